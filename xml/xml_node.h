@@ -14,6 +14,10 @@
 
 namespace OstraTimeXML {
 
+namespace internal {
+struct XMLNodeAccess;
+}  // namespace internal
+
 // Layout flags and nesting depth, passed down (and changed) by serialisation.
 // `level` rises by one per nesting step and is back at its entry value when an
 // element returns; every closing element sets both layout flags to true again.
@@ -61,7 +65,8 @@ class TSXML_API XMLInterface {
 class TSXML_API XMLAttribute : public XMLInterface {
  public:
   // Caller owns the result.
-  static XMLAttribute* Create(const std::string& name, const std::string& value);
+  static XMLAttribute* Create(const std::string& name,
+                              const std::string& value);
   // The value is the number text Format(value, false, nullptr), made once here.
   // Caller owns the result.
   static XMLAttribute* Create(const std::string& name, double value);
@@ -74,7 +79,7 @@ class TSXML_API XMLAttribute : public XMLInterface {
 
  private:
   XMLAttribute(const std::string& name, const std::string& value);
-  friend struct XMLNodeAccess;
+  friend struct internal::XMLNodeAccess;
 
   std::string name_;
   std::string value_;
@@ -94,7 +99,7 @@ class TSXML_API XMLString : public XMLInterface {
 
  private:
   explicit XMLString(const std::string& text);
-  friend struct XMLNodeAccess;
+  friend struct internal::XMLNodeAccess;
 
   std::string text_;
 };
@@ -121,6 +126,7 @@ class TSXML_API XMLDocType : public XMLInterface {
  private:
   XMLDocType(const std::string& name, const std::string& systemId,
              long userValue);
+  friend struct internal::XMLNodeAccess;
 
   std::string name_;
   std::string systemId_;
@@ -157,7 +163,7 @@ class TSXML_API XMLElement : public XMLInterface {
   explicit XMLElement(const std::string& name);
 
  private:
-  friend struct XMLNodeAccess;
+  friend struct internal::XMLNodeAccess;
 
   std::vector<XMLAttribute*> attributes_;
   std::string name_;

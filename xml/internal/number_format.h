@@ -1,0 +1,25 @@
+// The two routes to the "%.15g" text of a double in the classic locale.
+#ifndef TSXML_XML_INTERNAL_NUMBER_FORMAT_H
+#define TSXML_XML_INTERNAL_NUMBER_FORMAT_H
+
+#include <cstddef>
+#include <string>
+
+namespace OstraTimeXML {
+namespace internal {
+
+// Room for any "%.15g" text of a double: sign, 15 digits, point, "e-308".
+constexpr std::size_t kGeneral15Capacity = 32;
+
+// The reference route: an ostringstream imbued with the classic locale, with
+// precision 15 and no other flags.
+std::string FormatGeneral15ViaStream(double value);
+
+// The route in use: std::to_chars (general, precision 15) for finite values,
+// which gives the same bytes; the stream for infinities and NaN.
+std::string FormatGeneral15(double value);
+
+}  // namespace internal
+}  // namespace OstraTimeXML
+
+#endif  // TSXML_XML_INTERNAL_NUMBER_FORMAT_H
