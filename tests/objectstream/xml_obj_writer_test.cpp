@@ -1,0 +1,172 @@
+#include <climits>
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <random>
+#include <sstream>
+#include <string>
+
+#include "gtest/gtest.h"
+#include "modelapi/missing_value.h"
+#include "objectstream/xml_obj.h"
+#include "xml/number_text.h"
+#include "xml/xml_node.h"
+
+namespace {
+
+using OstraTimeXML::XMLObj;
+
+// The bytes that one member write of `value` puts out.
+template <typename T>
+std::string Member(const XMLObj& obj, const T& value) {
+  std::ostringstream os;
+  EXPECT_EQ(obj.WriteSubElement(os, value), 0);
+  return os.str();
+}
+
+TEST(XMLObjWriter, ObjectWithOneMember) {
+  const XMLObj obj("A", 1);
+  std::ostringstream os;
+  EXPECT_EQ(obj.StartObj(os), 0);
+  EXPECT_EQ(obj.WriteSubElement(os, 3), 0);
+  EXPECT_EQ(obj.EndObj(os), 0);
+  EXPECT_EQ(os.str(), "\n\t<Obj name=\"A\">\n\t\t<Int value=\"3\"/>\n\t</Obj>");
+  EXPECT_EQ(obj.GetName(), "A");
+  EXPECT_EQ(obj.GetNTabs(), 1);
+}
+
+TEST(XMLObjWriter, TagsAndValueTextOfEachType) {
+  const XMLObj obj("A", 1);
+  EXPECT_EQ(Member(obj, true), "\n\t\t<Int value=\"1\"/>");
+  EXPECT_EQ(Member(obj, false), "\n\t\t<Int value=\"0\"/>");
+  EXPECT_EQ(Member(obj, INT_MIN), "\n\t\t<Int value=\"-2147483648\"/>");
+  EXPECT_EQ(Member(obj, UINT_MAX), "\n\t\t<Int value=\"4294967295\"/>");
+  EXPECT_EQ(Member(obj, LONG_MAX),
+            "\n\t\t<Long value=\"9223372036854775807\"/>");
+  EXPECT_EQ(Member(obj, LONG_MIN),
+            "\n\t\t<Long value=\"-9223372036854775808\"/>");
+  EXPECT_EQ(Member(obj, -7L), "\n\t\t<Long value=\"-7\"/>");
+  EXPECT_EQ(Member(obj, 1.5), "\n\t\t<Double value=\"1.5\"/>");
+  EXPECT_EQ(Member(obj, 1.0 / 3),
+            "\n\t\t<Double value=\"0.333333333333333\"/>");
+  EXPECT_EQ(Member(obj, 1e15), "\n\t\t<Double value=\"1e+15\"/>");
+  EXPECT_EQ(Member(obj, MV::gMissingValue),
+            "\n\t\t<Double value=\"Missing\"/>");
+  // Only the missing value itself is "Missing"; its neighbour is a number.
+  EXPECT_EQ(Member(obj, std::nextafter(MV::gMissingValue, 0.0)),
+            "\n\t\t<Double value=\"-1.79769313486232e+308\"/>");
+}
+
+TEST(XMLObjWriter, StringValuesAreEscaped) {
+  const XMLObj obj("A", 1);
+  auto line = [&](const std::string& value) { return Member(obj, value); };
+  EXPECT_EQ(line(""), "\n\t\t<String value=\"\"/>");
+  EXPECT_EQ(line(" lead"), "\n\t\t<String value=\"&#32;lead\"/>");
+  EXPECT_EQ(line("say \"hi\""), "\n\t\t<String value=\"say &quot;hi&quot;\"/>");
+  EXPECT_EQ(line("a&b<c>d"), "\n\t\t<String value=\"a&amp;b&lt;c&gt;d\"/>");
+  EXPECT_EQ(line("t\tl\nc\r"), "\n\t\t<String value=\"t&#9;l&#10;c&#13;\"/>");
+  EXPECT_EQ(line("\xC3\xA4 x"), "\n\t\t<String value=\"\xC3\xA4 x\"/>");
+}
+
+TEST(XMLObjWriter, IndentationFollowsNTabs) {
+  auto whole = [](const XMLObj& obj) {
+    std::ostringstream os;
+    obj.StartObj(os);
+    obj.WriteSubElement(os, 2.5);
+    obj.EndObj(os);
+    return os.str();
+  };
+  EXPECT_EQ(whole(XMLObj("top", 0)),
+            "\n<Obj name=\"top\">\n\t<Double value=\"2.5\"/>\n</Obj>");
+  EXPECT_EQ(whole(XMLObj("neg", -1)),
+            "\n<Obj name=\"neg\">\n<Double value=\"2.5\"/>\n</Obj>");
+  EXPECT_EQ(whole(XMLObj("deep", 3)),
+            "\n\t\t\t<Obj name=\"deep\">\n\t\t\t\t<Double value=\"2.5\"/>"
+            "\n\t\t\t</Obj>");
+}
+
+TEST(XMLObjWriter, NameIsWrittenVerbatim) {
+  std::ostringstream os;
+  XMLObj("a&<b> c", 0).StartObj(os);
+  EXPECT_EQ(os.str(), "\n<Obj name=\"a&<b> c\">");
+}
+
+TEST(XMLObjWriter, CopyKeepsNameAndTabs) {
+  XMLObj copy("x", 0);
+  const XMLObj original("inner", 2);
+  copy = original;
+  std::ostringstream a, b;
+  copy.StartObj(a);
+  original.StartObj(b);
+  EXPECT_EQ(a.str(), b.str());
+}
+
+TEST(XMLObjWriter, RootLines) {
+  std::ostringstream os;
+  EXPECT_EQ(OstraTimeXML::StartRoot(os, "x"), 0);
+  EXPECT_EQ(os.str(), "<OstraXMLRoot copyright=\"x\">");
+  os.str("");
+  OstraTimeXML::WriteHeader(os, "(c) A & \"B\"");
+  EXPECT_EQ(os.str(), "<OstraXMLRoot copyright=\"(c) A &amp; &quot;B&quot;\">");
+  os.str("");
+  EXPECT_EQ(OstraTimeXML::EndRoot(os), 0);
+  EXPECT_EQ(OstraTimeXML::EndHeader(os), 0);
+  EXPECT_EQ(os.str(), "\n</OstraXMLRoot>\n</OstraXMLRoot>");
+}
+
+TEST(XMLObjWriter, WholeStreamWithDocTypeHead) {
+  std::unique_ptr<OstraTimeXML::XMLDocType> head(
+      OstraTimeXML::XMLDocType::Create("OstraXMLRoot", "savexml.dtd", 0));
+  std::ostringstream os;
+  OstraTimeXML::ExportFormat format;
+  head->ToStream(os, format, false);
+  OstraTimeXML::WriteHeader(os, "c");
+  const XMLObj outer("Outer", 1);
+  const XMLObj inner("Inner", 2);
+  outer.StartObj(os);
+  outer.WriteSubElement(os, std::string("s"));
+  inner.StartObj(os);
+  inner.WriteSubElement(os, 7L);
+  inner.EndObj(os);
+  outer.WriteSubElement(os, 4u);
+  outer.EndObj(os);
+  OstraTimeXML::EndRoot(os);
+  EXPECT_EQ(os.str(),
+            "<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\n"
+            "<!DOCTYPE OstraXMLRoot SYSTEM \"savexml.dtd\">\n"
+            "<OstraXMLRoot copyright=\"c\">\n"
+            "\t<Obj name=\"Outer\">\n"
+            "\t\t<String value=\"s\"/>\n"
+            "\t\t<Obj name=\"Inner\">\n"
+            "\t\t\t<Long value=\"7\"/>\n"
+            "\t\t</Obj>\n"
+            "\t\t<Int value=\"4\"/>\n"
+            "\t</Obj>\n"
+            "</OstraXMLRoot>");
+}
+
+// A Long is written with its exact digits; below 1e15 in magnitude that is
+// the text the double route gives, and from 1e15 on the two part.
+TEST(XMLObjWriter, LongMatchesNumberTextBelow1e15) {
+  const XMLObj obj("A", 0);
+  auto doubleRoute = [](long value) {
+    return "\n\t<Long value=\"" +
+           OstraTimeXML::Format(static_cast<double>(value), false, nullptr) +
+           "\"/>";
+  };
+  std::mt19937_64 rng(7);
+  for (int i = 0; i < 20000; ++i) {
+    const int digits = static_cast<int>(rng() % 16);  // 0 to 15
+    long value = static_cast<long>(rng() % 1000000000000000ULL);
+    for (int d = digits; d < 15; ++d) value /= 10;
+    if (rng() % 2) value = -value;
+    ASSERT_EQ(Member(obj, value), doubleRoute(value)) << value;
+  }
+  EXPECT_EQ(Member(obj, 999999999999999L), doubleRoute(999999999999999L));
+  EXPECT_EQ(Member(obj, -999999999999999L), doubleRoute(-999999999999999L));
+  EXPECT_EQ(Member(obj, 1000000000000000L),
+            "\n\t<Long value=\"1000000000000000\"/>");
+  EXPECT_EQ(doubleRoute(1000000000000000L), "\n\t<Long value=\"1e+15\"/>");
+}
+
+}  // namespace
