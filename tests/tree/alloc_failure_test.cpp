@@ -1,0 +1,98 @@
+// Every allocation of adding and writing is made to fail in turn: the
+// exception passes through, the tree is unchanged and nothing leaks (the
+// sanitizer build checks the leaks).
+#include <gtest/gtest.h>
+
+#include <ostream>
+#include <sstream>
+
+#include "modelapi/forecast_model.h"
+#include "support/failing_allocator.h"
+#include "support/model_fixtures.h"
+#include "tree/tsxml_tree.h"
+
+namespace {
+
+using testing_support::BasicInfo;
+using testing_support::FailingAllocations;
+using testing_support::ForEachFailingAllocation;
+using testing_support::MakeESModel;
+using testing_support::MakeSimpleModel;
+using testing_support::ReservedBuffer;
+
+TSFModel MakeSeasonalModel() {
+  ESModelSpec spec(ESModelSpec::ESAdditiveWinters, 4);
+  spec.SetYTransformSpec(TSTransformSpec(BFSharedConst::Logarithm));
+  EstimationInfo info = BasicInfo();
+  info.SetGOFStat(BFSharedConst::RMSE, 1.5);
+  info.SetLBStat(3, 18, 15, 0.5);
+  return MakeESModel(spec, {0.5, 0.25, 0.125}, {0.1, 0.2, 0.3},
+                     WIESSmState(10, 1, 2, {1, 2, 3, 4}), info);
+}
+
+std::string WriteAll(TSXMLTree& tree) {
+  std::ostringstream out;
+  tree.WriteToStream(out);
+  return out.str();
+}
+
+// A tree with `count` models, the first simple and the others seasonal.
+TSXMLTree MakeTree(int count) {
+  TSXMLTree tree;
+  tree.SetApplication("app", "1", "");
+  for (int i = 0; i < count; ++i) {
+    tree.AddModelTree(i == 0 ? MakeSimpleModel() : MakeSeasonalModel(),
+                      TSXDictionaryRefs("M", "", "y"));
+  }
+  return tree;
+}
+
+TEST(AllocationFailureTest, AddModelTreeLeavesTheTreeUnchanged) {
+  TSXMLTree expected = MakeTree(2);
+  const std::string expectedText = WriteAll(expected);
+  TSXMLTree unchanged = MakeTree(1);
+  const std::string unchangedText = WriteAll(unchanged);
+
+  const TSFModel model = MakeSeasonalModel();
+  const TSXDictionaryRefs refs("M", "", "y");
+  const long failures = ForEachFailingAllocation([&](long n) {
+    TSXMLTree tree = MakeTree(1);
+    try {
+      FailingAllocations armed(n);
+      EXPECT_TRUE(tree.AddModelTree(model, refs));
+    } catch (const std::bad_alloc&) {
+      EXPECT_EQ(tree.GetModelCount(), 1);
+      EXPECT_EQ(WriteAll(tree), unchangedText);
+      return false;
+    }
+    EXPECT_EQ(tree.GetModelCount(), 2);
+    EXPECT_EQ(WriteAll(tree), expectedText);
+    return true;
+  });
+  EXPECT_GT(failures, 10);
+}
+
+TEST(AllocationFailureTest, WriteToStreamLeavesTheTreeUnchanged) {
+  TSXMLTree reference = MakeTree(2);
+  const std::string expectedText = WriteAll(reference);
+
+  const long failures = ForEachFailingAllocation([&](long n) {
+    TSXMLTree tree = MakeTree(2);
+    ReservedBuffer buffer(1 << 20);
+    std::ostream out(&buffer);
+    try {
+      FailingAllocations armed(n);
+      EXPECT_TRUE(tree.WriteToStream(out));
+    } catch (const std::bad_alloc&) {
+      EXPECT_EQ(tree.GetModelCount(), 2);
+      EXPECT_EQ(WriteAll(tree), expectedText);
+      return false;
+    }
+    EXPECT_EQ(tree.GetModelCount(), 0);
+    EXPECT_EQ(buffer.str(), expectedText);
+    return true;
+  });
+  EXPECT_GT(failures, 3);
+}
+
+}  // namespace

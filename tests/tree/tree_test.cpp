@@ -1,0 +1,277 @@
+#include "tree/tsxml_tree.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "modelapi/forecast_model.h"
+#include "support/model_fixtures.h"
+#include "tree/model_xml_tree_maker.h"
+#include "tree/tsxml_tree_imp.h"
+
+namespace {
+
+using testing_support::BasicInfo;
+using testing_support::Lines;
+using testing_support::MakeESModel;
+using testing_support::MakeSimpleModel;
+
+constexpr double kMissing = MV::gMissingValue;
+
+const std::string kDeclaration = "<?xml version=\"1.0\" encoding=\"UTF-8\" ?>";
+const std::string kRootStart = Lines(
+    {"<TSCXML",
+     "\txmlns=\"http://www.tsxml.example/software/analytics/corvane/xml/"
+     "components/time-series\"",
+     "\txmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\"",
+     "\txsi:schemaLocation=\"http://www.tsxml.example/software/analytics/"
+     "corvane/xml/components/time-series www.tsxml.example/software/"
+     "analytics/corvane/xml/components/time-series-1.0.xsd\">"});
+
+std::string Write(TSXMLTree& tree) {
+  std::ostringstream out;
+  EXPECT_TRUE(tree.WriteToStream(out));
+  return out.str();
+}
+
+// The element of MakeSimpleModel() with the references ("S", "", "y") at
+// one tab.
+const std::string kSimpleElement =
+    Lines({"\t<ExpSmoothingModel", "\t\tmodelName=\"S\"", "\t\tvariableID=\"y\">",
+           "\t\t<ESSimple>", "\t\t\t<ParmLevel>",
+           "\t\t\t\t<EstimatedParameter>0.25 0.05</EstimatedParameter>",
+           "\t\t\t</ParmLevel>", "\t\t\t<StateLevel>10.5</StateLevel>",
+           "\t\t</ESSimple>", "\t\t<EstimationInfo",
+           "\t\t\tperiodStartIndex=\"0\"", "\t\t\tperiodLength=\"24\"",
+           "\t\t\tdegreesOfFreedom=\"23\">", "\t\t\t<Statistic",
+           "\t\t\t\ttype=\"errVariance\">2.5</Statistic>",
+           "\t\t</EstimationInfo>", "\t</ExpSmoothingModel>"});
+
+TEST(NativeDocumentTest, SimpleModelWholeDocument) {
+  TSXMLTree tree;
+  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(),
+                                TSXDictionaryRefs("S", "", "y")));
+  EXPECT_EQ(tree.GetModelCount(), 1);
+  EXPECT_EQ(Write(tree), kDeclaration + kRootStart +
+                             "\n\t<Header/>\n\t<DataDictionary/>" +
+                             kSimpleElement + "\n</TSCXML>");
+  EXPECT_EQ(tree.GetModelCount(), 0);
+}
+
+TEST(NativeDocumentTest, SeasonalModelWithStatisticsWholeDocument) {
+  ESModelSpec spec(ESModelSpec::ESMultiplicativeWinters, 4);
+  spec.SetYTransformSpec(TSTransformSpec(BFSharedConst::Logarithm));
+  EstimationInfo info = BasicInfo(2, 20, 17, 0.004);
+  info.SetGOFStat(BFSharedConst::RMSE, 1.25);
+  info.SetGOFStat(BFSharedConst::MAPE, kMissing);
+  info.SetGOFStat(BFSharedConst::RSQ, 0.875);
+  info.SetLBStat(9.5, 18, 15, 0.8912);
+  TSXMLTree tree;
+  tree.SetApplication("Forecaster", "2.1", "(c) nobody");
+  TSXDictionaryRefs refs("Sales", "Quarterly & \"net\"", "sales");
+  ASSERT_TRUE(tree.AddModelTree(
+      MakeESModel(spec, {0.75, 0.001, 0.5}, {0.125, 0.0005, 0.25},
+                  WIESSmState(4.5, 0.0125, 3, {0.9, 1.1, 1.05, 0.95}), info),
+      refs));
+  EXPECT_EQ(
+      Write(tree),
+      kDeclaration + kRootStart +
+          Lines({"\t<Header>", "\t\t<Application", "\t\t\tname=\"Forecaster\"",
+                 "\t\t\tversion=\"2.1\"/>", "\t</Header>",
+                 "\t<DataDictionary/>", "\t<ExpSmoothingModel",
+                 "\t\tmodelName=\"Sales\"",
+                 "\t\tmodelDescriptor=\"Quarterly &amp; &quot;net&quot;\"",
+                 "\t\tvariableID=\"sales\">", "\t\t<Transformation",
+                 "\t\t\tfunction=\"logarithm\"/>",
+                 "\t\t<ESMultiplicativeWinters", "\t\t\tseasonLength=\"4\">",
+                 "\t\t\t<ParmLevel>",
+                 "\t\t\t\t<EstimatedParameter>0.75 0.125</EstimatedParameter>",
+                 "\t\t\t</ParmLevel>", "\t\t\t<ParmTrend>",
+                 "\t\t\t\t<EstimatedParameter>0.001 0.0005</EstimatedParameter>",
+                 "\t\t\t</ParmTrend>", "\t\t\t<ParmSeason>",
+                 "\t\t\t\t<EstimatedParameter>0.5 0.25</EstimatedParameter>",
+                 "\t\t\t</ParmSeason>", "\t\t\t<StateLevel>4.5</StateLevel>",
+                 "\t\t\t<StateTrend>0.0125</StateTrend>", "\t\t\t<StateSeason",
+                 "\t\t\t\tphase=\"3\">0.9 1.1 1.05 0.95</StateSeason>",
+                 "\t\t</ESMultiplicativeWinters>", "\t\t<EstimationInfo",
+                 "\t\t\tperiodStartIndex=\"2\"", "\t\t\tperiodLength=\"20\"",
+                 "\t\t\tdegreesOfFreedom=\"17\">", "\t\t\t<Statistic",
+                 "\t\t\t\ttype=\"errVariance\">0.004</Statistic>",
+                 "\t\t\t<Statistic",
+                 "\t\t\t\ttype=\"rootMeanSqrErr\">1.25</Statistic>",
+                 "\t\t\t<Statistic", "\t\t\t\ttype=\"rSqr\">0.875</Statistic>",
+                 "\t\t\t<LjungBoxStatistic", "\t\t\t\tk=\"18\"",
+                 "\t\t\t\tdegreesOfFreedom=\"15\"",
+                 "\t\t\t\tpValue=\"0.8912\">9.5</LjungBoxStatistic>",
+                 "\t\t</EstimationInfo>", "\t</ExpSmoothingModel>",
+                 "</TSCXML>"}));
+}
+
+TEST(NativeDocumentTest, HeaderFollowsTheApplicationStrings) {
+  struct Case {
+    const char* name;
+    const char* version;
+    std::string header;
+  } cases[] = {
+      {"N", "V",
+       Lines({"\t<Header>", "\t\t<Application", "\t\t\tname=\"N\"",
+              "\t\t\tversion=\"V\"/>", "\t</Header>"})},
+      {"N", "",
+       Lines({"\t<Header>", "\t\t<Application", "\t\t\tname=\"N\"/>",
+              "\t</Header>"})},
+      // A version alone writes nothing, and an empty name clears both.
+      {"", "V", "\n\t<Header/>"},
+  };
+  for (const Case& c : cases) {
+    TSXMLTree tree;
+    tree.SetApplication(c.name, c.version, "copyright");
+    ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(),
+                                  TSXDictionaryRefs("S", "", "y")));
+    EXPECT_EQ(Write(tree), kDeclaration + kRootStart + c.header +
+                               "\n\t<DataDictionary/>" + kSimpleElement +
+                               "\n</TSCXML>")
+        << c.name << "/" << c.version;
+  }
+}
+
+TEST(NativeDocumentTest, EmptyTreeWritesNothing) {
+  TSXMLTree tree;
+  std::ostringstream out;
+  EXPECT_FALSE(tree.WriteToStream(out));
+  EXPECT_EQ(out.str(), "");
+}
+
+TEST(NativeDocumentTest, CompleteWriteEmptiesTheTreeForReuse) {
+  TSXMLTree tree;
+  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(),
+                                TSXDictionaryRefs("S", "", "y")));
+  const std::string first = Write(tree);
+  std::ostringstream second;
+  EXPECT_FALSE(tree.WriteToStream(second));
+  EXPECT_EQ(second.str(), "");
+  // Reused, the tree writes a new document of what was added since.
+  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(),
+                                TSXDictionaryRefs("S", "", "y")));
+  EXPECT_EQ(Write(tree), first);
+}
+
+TEST(NativeDocumentTest, BareElementsWhenNotComplete) {
+  TSXMLTreeImp* imp = new TSXMLTreeImp;
+  TSXMLTree tree(imp);
+  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(),
+                                TSXDictionaryRefs("S", "", "y")));
+  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(),
+                                TSXDictionaryRefs("S", "", "y")));
+  std::ostringstream out;
+  EXPECT_TRUE(imp->WriteToStream(out, false));
+  // The elements at level 0, one behind the other.
+  std::string element = kSimpleElement;
+  for (size_t at = element.find("\n\t"); at != std::string::npos;
+       at = element.find("\n\t", at + 1)) {
+    element.erase(at + 1, 1);
+  }
+  EXPECT_EQ(out.str(), element + element);
+  EXPECT_EQ(tree.GetModelCount(), 0);
+  EXPECT_FALSE(imp->WriteToStream(out, false));
+}
+
+TEST(CheckDictRefsTest, RefusedReferencesLeaveTheTreeUnchanged) {
+  ESModelSpec spec(ESModelSpec::ESSimple);
+  TSXDictionaryRefs withDateSpec("S", "", "y");
+  withDateSpec.SetDateSpecID(1);
+  const TSXDictionaryRefs refused[] = {
+      TSXDictionaryRefs(),
+      TSXDictionaryRefs("", "d", "y"),
+      TSXDictionaryRefs("S", "d", ""),
+      TSXDictionaryRefs("S", "", "y", {"x"}),
+      TSXDictionaryRefs("S", "", "y", {""}),
+      withDateSpec,
+  };
+  TSXMLTree tree;
+  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(),
+                                TSXDictionaryRefs("S", "", "y")));
+  for (const TSXDictionaryRefs& refs : refused) {
+    EXPECT_FALSE(tree.AddModelTree(MakeSimpleModel(), refs));
+  }
+  EXPECT_EQ(tree.GetModelCount(), 1);
+  EXPECT_EQ(Write(tree), kDeclaration + kRootStart +
+                             "\n\t<Header/>\n\t<DataDictionary/>" +
+                             kSimpleElement + "\n</TSCXML>");
+}
+
+TEST(CheckDictRefsTest, UnwritableModelIsRefused) {
+  TSXMLTree tree;
+  EXPECT_FALSE(tree.AddModelTree(
+      MakeESModel(ESModelSpec(ESModelSpec::ESSimple), {0.2}, {},
+                  WIESSmState(kMissing, 0)),
+      TSXDictionaryRefs("S", "", "y")));
+  EXPECT_EQ(tree.GetModelCount(), 0);
+}
+
+TEST(TreeHandleTest, NullHandleAnswersFalseAndZero) {
+  TSXMLTree tree(nullptr);
+  TSXMLTree copy(tree);
+  copy = tree;
+  tree.SetApplication("a", "b", "c");
+  tree.SetPMMLOutput(true);
+  EXPECT_FALSE(tree.AddModelTree(MakeSimpleModel(),
+                                 TSXDictionaryRefs("S", "", "y")));
+  EXPECT_EQ(tree.GetModelCount(), 0);
+  std::ostringstream out;
+  EXPECT_FALSE(copy.WriteToStream(out));
+  EXPECT_EQ(out.str(), "");
+}
+
+TEST(TreeHandleTest, CopiesShareOneTree) {
+  TSXMLTree tree;
+  TSXMLTree copy(tree);
+  TSXMLTree assigned;
+  assigned = copy;
+  const TSXMLTree& self = assigned;
+  assigned = self;
+  ASSERT_TRUE(copy.AddModelTree(MakeSimpleModel(),
+                                TSXDictionaryRefs("S", "", "y")));
+  EXPECT_EQ(tree.GetModelCount(), 1);
+  EXPECT_EQ(assigned.GetModelCount(), 1);
+}
+
+TEST(TreeModeTest, OtherDialectsRefuseUntilBuiltIn) {
+  TSXMLTree tree;
+  tree.SetPMMLOutput(true);
+  EXPECT_FALSE(tree.AddModelTree(MakeSimpleModel(),
+                                 TSXDictionaryRefs("S", "", "y")));
+  tree.SetPMMLOutput(false);
+  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(),
+                                TSXDictionaryRefs("S", "", "y")));
+  // A model added in one mode is not written by a write in another.
+  tree.SetPMMLOutput(true);
+  std::ostringstream out;
+  EXPECT_FALSE(tree.WriteToStream(out));
+  EXPECT_EQ(tree.GetModelCount(), 1);
+}
+
+TEST(ModelXMLTreeMakerTest, ReleaseTreeGivesTheElementOnce) {
+  TSFModel model = MakeSimpleModel();
+  TSXDictionaryRefs refs("S", "", "y");
+  ModelXMLTreeMaker maker(refs, model.GetImp()->GetEstimationInfo());
+  model.GetImp()->GetForecastState()->Accept(maker);
+  std::unique_ptr<OstraTimeXML::XMLElement> element(maker.ReleaseTree());
+  EXPECT_NE(element, nullptr);
+  EXPECT_EQ(maker.ReleaseTree(), nullptr);
+}
+
+TEST(DictionaryRefsTest, CopiesKeepTheDateSpecIdentifier) {
+  TSXDictionaryRefs refs("a", "b", "c", {"x", "y"});
+  refs.SetDateSpecID(4);
+  TSXDictionaryRefs copy(refs);
+  EXPECT_EQ(copy.GetDateSpecID(), 4);
+  EXPECT_EQ(copy.GetPredictorIDs(), (std::vector<std::string>{"x", "y"}));
+  const TSXDictionaryRefs& self = copy;
+  copy = self;
+  EXPECT_EQ(copy.GetModelName(), "a");
+  TSXDictionaryRefs fresh(copy.GetModelName(), copy.GetModelDescriptor(),
+                          copy.GetDependentVarID());
+  EXPECT_EQ(fresh.GetDateSpecID(), 0);
+}
+
+}  // namespace

@@ -1,0 +1,60 @@
+// TSXMLTreeImp: the counted object behind a TSXMLTree. It owns the native
+// model elements and the application strings, and decides for each model
+// and each write which dialect does the work: StatXML before PMML before
+// native.
+#ifndef TSXML_TREE_TSXML_TREE_IMP_H
+#define TSXML_TREE_TSXML_TREE_IMP_H
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+#include "modelapi/model.h"
+#include "modelapi/ref_counted.h"
+#include "tree/dictionary_refs.h"
+#include "tsxml_export.h"
+
+namespace OstraTimeXML {
+class XMLElement;
+}
+
+// Deleted by the last removeReference (TSXMLTree handles hold references).
+class TSXML_API TSXMLTreeImp : public TSRCObject {
+ public:
+  TSXMLTreeImp();
+  ~TSXMLTreeImp() override;
+
+  // An empty `name` clears all three strings.
+  void SetApplication(std::string name, std::string version,
+                      std::string copyright);
+
+  void SetPMMLOutputFlag(bool on) { pmmlOutput_ = on; }
+  bool GetPMMLOutputFlag() const { return pmmlOutput_; }
+
+  // Adds by the mode in force; false, with the tree unchanged, when the
+  // model is refused. Models in PMML or StatXML mode are refused until those
+  // dialects are built in.
+  bool AddModelTree(TSFModel model, const TSXDictionaryRefs& refs);
+  int GetModelCount() const;
+
+  // Writes by the mode in force. Native mode: false (nothing written) when no
+  // model is waiting. `complete` false writes the bare model elements.
+  bool WriteToStream(std::ostream& os, bool complete);
+  bool WriteXMLToStream(std::ostream& os, bool complete);
+
+ private:
+  bool AddXMLModelTree(TSFModel& model, const TSXDictionaryRefs& refs);
+  // Whether `refs` may be written with `model` (null: a model without
+  // predictors); `index` is set to the position of its date spec entry.
+  bool CheckDictRefs(const TSFModel* model, const TSXDictionaryRefs& refs,
+                     unsigned int& index) const;
+
+  std::vector<OstraTimeXML::XMLElement*> models_;
+  std::string applicationName_;
+  std::string applicationVersion_;
+  std::string applicationCopyright_;
+  bool pmmlOutput_ = false;
+  bool statXMLOutput_ = false;
+};
+
+#endif  // TSXML_TREE_TSXML_TREE_IMP_H
