@@ -282,5 +282,20 @@ void XMLNodeAccess::DeleteContents(XMLElement& element) noexcept {
   }
 }
 
+void XMLNodeAccess::ReserveChildren(XMLElement& element, size_t extra) {
+  element.children_.reserve(element.children_.size() + extra);
+}
+
+size_t XMLNodeAccess::ChildCount(const XMLElement& element) {
+  return element.children_.size();
+}
+
+void XMLNodeAccess::ReleaseChildrenFrom(XMLElement& element,
+                                        size_t first) noexcept {
+  if (first < element.children_.size()) {
+    element.children_.resize(first);
+  }
+}
+
 }  // namespace internal
 }  // namespace OstraTimeXML

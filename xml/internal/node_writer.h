@@ -30,6 +30,13 @@ struct XMLNodeAccess {
   // Deletes the attributes and the whole subtree of `element`, each node
   // once, in the order of nested destructors; leaves `element` empty.
   static void DeleteContents(XMLElement& element) noexcept;
+
+  // Lending children for one write: the caller reserves room, appends the
+  // borrowed elements (which then cannot throw), and on failure takes every
+  // child from position `first` on back without deleting it.
+  static void ReserveChildren(XMLElement& element, size_t extra);
+  static size_t ChildCount(const XMLElement& element);
+  static void ReleaseChildrenFrom(XMLElement& element, size_t first) noexcept;
 };
 
 // Escaping by runs of bytes that need none.
