@@ -1,0 +1,28 @@
+// Builds one model with the installed headers and writes its document.
+#include <iostream>
+#include <memory>
+#include <sstream>
+
+#include "modelapi/forecast_model.h"
+#include "tree/tsxml_tree.h"
+#include "xml/number_text.h"
+#include "xml/xml_node.h"
+
+int main() {
+  auto state = std::make_unique<ESForecastState>(
+      ESModelSpec(ESModelSpec::ESSimple), std::valarray<double>{0.5},
+      std::valarray<double>{0.1}, WIESSmState(10, 0));
+  TSFModel model(new TSFModelImp(std::move(state), EstimationInfo()));
+
+  TSXMLTree tree;
+  std::ostringstream out;
+  if (!tree.AddModelTree(model, TSXDictionaryRefs("m", "", "y")) ||
+      !tree.WriteToStream(out) ||
+      out.str().find("<StateLevel>10</StateLevel>") == std::string::npos ||
+      OstraTimeXML::Format(0.5, false, nullptr) != "0.5") {
+    std::cerr << "consumer: unexpected output\n" << out.str() << '\n';
+    return 1;
+  }
+  std::cout << "consumer: ok\n";
+  return 0;
+}
