@@ -1,0 +1,161 @@
+// Allocation failures while building, writing and deleting trees: nothing
+// leaks, nothing is deleted twice, and a failed add leaves the element as it
+// was. This binary replaces the global operator new to fail on request.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <memory>
+#include <new>
+#include <sstream>
+#include <string>
+
+#include "xml/xml_node.h"
+
+namespace {
+
+long g_live = 0;             // blocks allocated and not yet freed
+long g_until_failure = -1;   // allocations left before one fails; -1: never
+bool g_fail_always = false;  // every allocation fails
+
+void Arm(long allowed) { g_until_failure = allowed; }
+void Disarm() {
+  g_until_failure = -1;
+  g_fail_always = false;
+}
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+  if (g_fail_always || g_until_failure == 0) {
+    g_until_failure = -1;
+    throw std::bad_alloc();
+  }
+  if (g_until_failure > 0) --g_until_failure;
+  void* block = std::malloc(size == 0 ? 1 : size);
+  if (block == nullptr) throw std::bad_alloc();
+  ++g_live;
+  return block;
+}
+
+void operator delete(void* block) noexcept {
+  if (block == nullptr) return;
+  --g_live;
+  std::free(block);
+}
+
+void operator delete(void* block, std::size_t) noexcept {
+  operator delete(block);
+}
+
+namespace OstraTimeXML {
+namespace {
+
+class CountedElement : public XMLElement {
+ public:
+  static CountedElement* Create(int* deletions) {
+    return new CountedElement(deletions);
+  }
+  ~CountedElement() override { ++*deletions_; }
+
+ private:
+  explicit CountedElement(int* deletions)
+      : XMLElement("counted"), deletions_(deletions) {}
+  int* deletions_;
+};
+
+std::string Text(const XMLElement& element) {
+  ExportFormat format;
+  std::string text;
+  element.ToString(text, format);
+  return text;
+}
+
+// Builds a small document the way the library's builders do and writes it
+// by both routes.
+std::string BuildAndWrite() {
+  std::unique_ptr<XMLElement> root(XMLElement::Create("root"));
+  root->AddAttribute("a", "x  y");
+  root->AddAttribute("n", 2.5);
+  for (int i = 0; i < 5; ++i) {
+    std::unique_ptr<XMLElement> child(XMLElement::Create("c"));
+    child->AddAttribute("i", static_cast<double>(i));
+    child->AddElement(XMLString::Create("t<"));
+    root->AddElement(child.release());
+  }
+  std::unique_ptr<XMLDocType> doc(XMLDocType::Create("root", "r.dtd", 0));
+  doc->AddExtension("E");
+  std::ostringstream os;
+  os.exceptions(std::ios::badbit);  // let a failed allocation through
+  WriteTree(os, doc.get(), root.get(), true);
+  return os.str() + Text(*root);
+}
+
+TEST(AllocationFailure, FailedAddDeletesTheNodeAndKeepsTheElement) {
+  std::unique_ptr<XMLElement> parent(XMLElement::Create("p"));
+  parent->AddElement(XMLElement::Create("first"));
+  const std::string before = Text(*parent);
+  int deletions = 0;
+  CountedElement* child = CountedElement::Create(&deletions);
+  g_fail_always = true;
+  EXPECT_THROW(parent->AddElement(child), std::bad_alloc);
+  Disarm();
+  EXPECT_EQ(deletions, 1);
+  EXPECT_EQ(Text(*parent), before);
+}
+
+TEST(AllocationFailure, EveryFailurePointLeaksNothing) {
+  const std::string expected = BuildAndWrite();
+  bool done = false;
+  long n = 0;
+  for (; !done; ++n) {
+    const long live = g_live;
+    Arm(n);
+    try {
+      const std::string text = BuildAndWrite();
+      Disarm();
+      EXPECT_EQ(text, expected);
+      done = true;
+    } catch (const std::bad_alloc&) {
+      Disarm();
+    }
+    ASSERT_EQ(g_live, live) << "failure at allocation " << n;
+  }
+  EXPECT_GT(n, 30);  // the run went through many failure points
+}
+
+TEST(AllocationFailure, AssignmentKeepsTheOldValueOnFailure) {
+  std::unique_ptr<XMLAttribute> a(XMLAttribute::Create("a", "1"));
+  std::unique_ptr<XMLAttribute> b(
+      XMLAttribute::Create(std::string(100, 'n'), std::string(100, 'v')));
+  for (long n = 0; n < 2; ++n) {
+    Arm(n);
+    EXPECT_THROW(*a = *b, std::bad_alloc);
+    Disarm();
+    ExportFormat format;
+    std::string text;
+    a->ToString(text, format);
+    EXPECT_EQ(text, "a=\"1\"");
+  }
+}
+
+TEST(AllocationFailure, DeepDeletionWithoutMemoryStillDeletesAll) {
+  int deletions = 0;
+  const long live = g_live;
+  {
+    std::unique_ptr<XMLElement> root(XMLElement::Create("r"));
+    XMLElement* leaf = root.get();
+    for (int i = 0; i < 200; ++i) {
+      XMLElement* child = XMLElement::Create("e");
+      leaf->AddElement(child);
+      leaf->AddElement(CountedElement::Create(&deletions));
+      leaf = child;
+    }
+    g_fail_always = true;  // the deleter's own stack cannot grow
+  }
+  Disarm();
+  EXPECT_EQ(deletions, 200);
+  EXPECT_EQ(g_live, live);
+}
+
+}  // namespace
+}  // namespace OstraTimeXML
