@@ -1,0 +1,267 @@
+// Index tuples, case numbers and case offsets on hand-worked specifications.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <functional>
+#include <utility>
+
+#include "date_spec_test_util.h"
+
+namespace datespec_test {
+namespace {
+
+struct Worked {
+  std::function<DS()> make;
+  Indexes first;
+  uint64_t first_case_number;
+  // The offset between the first case and the first case moved one step
+  // (one increment in the last period) in each period; 0 for a linked
+  // Quarter, which can't move alone.
+  std::vector<int32_t> strides;
+  std::vector<std::pair<int32_t, Indexes>> at_offset;
+  std::vector<std::pair<Indexes, int32_t>> offset_of;
+  std::vector<Indexes> invalid;
+};
+
+DS Nest(DS::PeriodType first, std::vector<std::vector<unsigned>> periods,
+        unsigned increment = 1) {
+  DS spec(first);
+  for (const auto& p : periods) {
+    EXPECT_TRUE(spec.AddPeriod(DS::PeriodType(p[0]), p[1], p[2], p[3]).IsOK());
+  }
+  EXPECT_TRUE(increment == 1 || spec.SetLowestIncrement(increment).IsOK());
+  return spec;
+}
+
+DS YearMonth() { return Nest(DS::Year, {{DS::Month, 12, 0, 0}}); }
+
+TEST(WorkedNumbers, FourSpecifications) {
+  const std::vector<Worked> table = {
+      {YearMonth,
+       {2001, 2},
+       2001 * 12 + 2,
+       {12, 1},
+       {{10, {2002, 0}}, {-3, {2000, 11}}},
+       {},
+       {{2001, 12}}},
+      {[] {
+         return Nest(DS::Year, {{DS::Quarter, 4, 0, 0}, {DS::Month, 12, 0, 0}});
+       },
+       {2001, 1, 4},
+       2001 * 12 + 4,
+       {12, 0, 1},
+       {{8, {2002, 0, 0}}},
+       {},
+       {{2001, 0, 3}}},
+      {[] {
+         return Nest(DS::Year, {{DS::Month, 12, 0, 0}}, 3);
+       },
+       {2000, 3},
+       (2000 * 12 + 3) / 3,
+       {4, 1},
+       {{5, {2001, 6}}},
+       {},
+       {{2000, 1}}},
+      {[] {
+         return Nest(DS::Cycle, {{DS::Day, 7, 0, 5}});
+       },
+       {1, 0},
+       5,
+       {5, 1},
+       {{7, {2, 2}}},
+       {{{3, 2}, 12}},
+       {{1, 5}}},
+  };
+  for (const Worked& w : table) {
+    SCOPED_TRACE(::testing::PrintToString(w.first));
+    DS spec = w.make();
+    MoveFirstCase(spec, w.first);
+    EXPECT_EQ(spec.NumberFromOffset(0), w.first_case_number);
+    EXPECT_EQ(spec.FirstCaseIndex().GetIndexes(), w.first);
+    const unsigned increment = spec.LowestIncrement();
+    for (size_t i = 0; i < w.strides.size(); ++i) {
+      if (w.strides[i] == 0) continue;
+      Indexes step = w.first;
+      step[i] += i + 1 == step.size() ? increment : 1;
+      EXPECT_EQ(Make(spec, step).VirtualCaseOffset(), w.strides[i]) << i;
+    }
+    for (const auto& [offset, indexes] : w.at_offset) {
+      const Tuple tuple = spec.IndexTuple(offset);
+      EXPECT_EQ(tuple.GetIndexes(), indexes) << offset;
+      EXPECT_EQ(tuple.VirtualCaseOffset(), offset);
+    }
+    for (const auto& [indexes, offset] : w.offset_of) {
+      EXPECT_EQ(Make(spec, indexes).VirtualCaseOffset(), offset);
+    }
+    for (const Indexes& indexes : w.invalid) {
+      EXPECT_FALSE(Valid(spec, indexes));
+      Tuple tuple(spec);
+      EXPECT_FALSE(tuple.SetIndexes(indexes));
+      EXPECT_EQ(tuple.GetIndexes(), w.first);
+    }
+  }
+}
+
+// The gaps 3, 4 and 8 on a specification of years and months.
+DS Gapped() {
+  DS spec = YearMonth();
+  MoveFirstCase(spec, {2001, 2});
+  for (int32_t gap : {8, 3, 4}) EXPECT_TRUE(spec.AddGap(gap).IsOK());
+  return spec;
+}
+
+std::vector<int32_t> Gaps(const DS& spec) {
+  std::vector<int32_t> gaps;
+  for (size_t i = 0; i < spec.GapCount(); ++i) {
+    gaps.push_back(spec.GapIndex(i).VirtualCaseOffset());
+  }
+  return gaps;
+}
+
+TEST(Gaps, OffsetTable) {
+  const DS spec = Gapped();
+  const std::vector<int32_t> case_offset = {0, 1, 2, -1, -1, 3, 4, 5, -1, 6};
+  const std::vector<int32_t> forward = {0, 1, 2, 3, 3, 3, 4, 5, 6, 6};
+  const std::vector<int32_t> backward = {0, 1, 2, 2, 2, 3, 4, 5, 5, 6};
+  for (int32_t v = 0; v < 10; ++v) {
+    const Tuple tuple = spec.IndexTuple(v);
+    EXPECT_EQ(spec.CaseOffset(v), case_offset[v]) << v;
+    EXPECT_EQ(tuple.CaseOffset(), case_offset[v]) << v;
+    EXPECT_EQ(spec.ClosestCaseOffset(v, true), forward[v]) << v;
+    EXPECT_EQ(tuple.ClosestCaseOffset(true), forward[v]) << v;
+    EXPECT_EQ(spec.ClosestCaseOffset(v, false), backward[v]) << v;
+    EXPECT_EQ(tuple.ClosestCaseOffset(false), backward[v]) << v;
+  }
+  const std::vector<int32_t> virtual_offset = {0, 1, 2, 5, 6, 7, 9};
+  for (int32_t k = 0; k < 7; ++k) {
+    EXPECT_EQ(spec.VirtualCaseOffset(k), virtual_offset[k]) << k;
+  }
+  EXPECT_EQ(Gaps(spec), (std::vector<int32_t>{3, 4, 8}));
+  EXPECT_EQ(spec.GapIndex(0).GetIndexes(), (Indexes{2001, 5}));
+  EXPECT_EQ(spec.GapIndex(3).GetIndexes(), (Indexes{2001, 2}));
+}
+
+TEST(Gaps, BeforeTheFirstCaseNothingChanges) {
+  const DS spec = Gapped();
+  for (int32_t v : {-1, -7, INT32_MIN}) {
+    EXPECT_EQ(spec.CaseOffset(v), v);
+    EXPECT_EQ(spec.ClosestCaseOffset(v, false), v);
+    EXPECT_EQ(spec.VirtualCaseOffset(v), v);
+  }
+  const Tuple before = Make(spec, {2000, 11});
+  EXPECT_EQ(before.VirtualCaseOffset(), -3);
+  EXPECT_EQ(before.CaseOffset(), -3);
+}
+
+TEST(Gaps, MovingTheFirstCaseMovesTheGaps) {
+  DS forward = Gapped();
+  ASSERT_TRUE(forward.SetFirstCaseIndex(forward.IndexTuple(4)).IsOK());
+  EXPECT_EQ(Gaps(forward), (std::vector<int32_t>{4}));
+  EXPECT_EQ(forward.FirstCaseIndex().GetIndexes(), (Indexes{2001, 6}));
+  EXPECT_EQ(forward.NumberFromOffset(0), 2001u * 12 + 6);
+  EXPECT_EQ(forward.VirtualCaseOffset(4), 5);
+
+  DS backward = Gapped();
+  MoveFirstCase(backward, {2000, 11});
+  EXPECT_EQ(Gaps(backward), (std::vector<int32_t>{6, 7, 11}));
+  EXPECT_EQ(backward.IndexTuple(6).GetIndexes(), (Indexes{2001, 5}));
+
+  // Gaps that the move would carry beyond 32 bits are dropped.
+  DS far = YearMonth();
+  MoveFirstCase(far, {200, 0});
+  ASSERT_TRUE(far.AddGap(INT32_MAX).IsOK());
+  ASSERT_TRUE(far.AddGap(INT32_MAX - 15).IsOK());
+  MoveFirstCase(far, {199, 2});
+  EXPECT_EQ(Gaps(far), (std::vector<int32_t>{INT32_MAX - 5}));
+}
+
+TEST(Tuples, UnboundTupleHoldsOneIndex) {
+  Tuple tuple;
+  EXPECT_TRUE(tuple.IsValid());
+  EXPECT_EQ(tuple.GetIndexes(), (Indexes{0}));
+  EXPECT_EQ(tuple.VirtualCaseOffset(), 0);
+  EXPECT_FALSE(tuple.SetIndexes({}));
+  EXPECT_FALSE(tuple.SetIndexes({1, 2}));
+  EXPECT_EQ(tuple.GetIndexes(), (Indexes{0}));
+  EXPECT_TRUE(tuple.SetIndexes({0xFFFFFFFEu}));
+  EXPECT_EQ(tuple.VirtualCaseOffset(), -2);
+  EXPECT_EQ(tuple.CaseOffset(), -2);
+  EXPECT_EQ(tuple.ClosestCaseOffset(true), -2);
+}
+
+TEST(Tuples, StaleAndForeignTuplesAreRefused) {
+  DS spec = YearMonth();
+  const Tuple stale = Make(spec, {2001, 3});
+  ASSERT_TRUE(spec.AddPeriod(DS::Obs, 2, 0, 0).IsOK());
+  EXPECT_FALSE(stale.IsValid());
+  EXPECT_EQ(stale.VirtualCaseOffset(), 0);
+  EXPECT_EQ(spec.SetFirstCaseIndex(stale).GetCode(), 40208);
+  EXPECT_EQ(spec.AddGap(stale).GetCode(), 40208);
+
+  DS twin = YearMonth();
+  DS other = YearMonth();
+  const Tuple foreign = Make(other, {0, 1});
+  EXPECT_EQ(twin.SetFirstCaseIndex(foreign).GetCode(), 40208);
+  EXPECT_EQ(twin.AddGap(foreign).GetCode(), 40208);
+  EXPECT_TRUE(twin.AddGap(Make(twin, {0, 1})).IsOK());
+  EXPECT_EQ(twin.GapIndex(0).VirtualCaseOffset(), 1);
+  EXPECT_EQ(twin.AddGap(twin.FirstCaseIndex()).GetCode(), 40209);
+
+  DS sequence;
+  ASSERT_TRUE(sequence.AddPeriod(DS::Day, 7, 0, 0).IsOK());
+  EXPECT_EQ(sequence.AddGap(Make(sequence, {0, 3})).GetCode(), 40205);
+}
+
+TEST(Tuples, IncrementSteps) {
+  DS spec = Nest(DS::Year, {{DS::Month, 12, 0, 0}}, 3);
+  MoveFirstCase(spec, {2000, 3});
+  EXPECT_FALSE(Valid(spec, {2000, 4}));
+  EXPECT_EQ(Make(spec, {2000, 6}).VirtualCaseOffset(), 1);
+  EXPECT_EQ(Make(spec, {1999, 9}).VirtualCaseOffset(), -2);
+
+  // A tuple taken before the increment: a value of -4 divides towards zero.
+  DS later = YearMonth();
+  const Tuple before = Make(later, {0xFFFFFFFFu, 8});
+  ASSERT_TRUE(later.SetLowestIncrement(3).IsOK());
+  EXPECT_EQ(before.VirtualCaseOffset(), -1);
+}
+
+TEST(Tuples, CompareByIndexesThenLength) {
+  const DS two = YearMonth();
+  const DS three = Nest(DS::Year, {{DS::Month, 12, 0, 0}, {DS::Obs, 2, 0, 0}});
+  const Tuple a = Make(two, {2001, 5});
+  EXPECT_EQ(a.Compare(Make(three, {2001, 5, 0})), -1);
+  EXPECT_EQ(Make(three, {2001, 5, 0}).Compare(a), 1);
+  EXPECT_EQ(a.Compare(Make(two, {2001, 4})), 1);
+  EXPECT_EQ(a.Compare(Make(two, {2002, 0})), -1);
+  const DS other = YearMonth();
+  EXPECT_EQ(a.Compare(Make(other, {2001, 5})), 0);
+  EXPECT_EQ(Make(two, {0xFFFFFFFFu, 0}).Compare(a), 1);
+  EXPECT_EQ(Tuple().Compare(Make(two, {0, 0})), -1);
+}
+
+TEST(CaseNumbers, ClampAtTheOriginAndWrapInLowBits) {
+  DS spec = YearMonth();
+  MoveFirstCase(spec, {2001, 2});
+  const uint64_t first = 2001 * 12 + 2;
+  EXPECT_EQ(spec.NumberFromOffset(-int32_t(first)), 0u);
+  EXPECT_EQ(spec.NumberFromOffset(-int32_t(first) - 1), 0u);
+  EXPECT_EQ(spec.NumberFromOffset(INT32_MIN), 0u);
+  EXPECT_EQ(spec.NumberFromOffset(INT32_MAX), first + INT32_MAX);
+  EXPECT_EQ(spec.IndexTuple(-int32_t(first) - 1000).GetIndexes(),
+            (Indexes{0, 0}));
+  EXPECT_EQ(spec.OffsetFromNumber(first + 5), 5);
+  EXPECT_EQ(spec.OffsetFromNumber(first + (uint64_t{1} << 32) + 5), 5);
+  EXPECT_EQ(spec.OffsetFromNumber(0), -int32_t(first));
+
+  // A first case before the origin is widened with its sign, undivided:
+  // -9, not -3.
+  DS negative = Nest(DS::Year, {{DS::Month, 12, 0, 0}}, 3);
+  MoveFirstCase(negative, {0xFFFFFFFFu, 3});
+  EXPECT_EQ(negative.NumberFromOffset(0), UINT64_MAX - 8);
+  EXPECT_EQ(negative.NumberFromOffset(9), 0u);
+  EXPECT_EQ(negative.OffsetFromNumber(UINT64_MAX - 8), 0);
+}
+
+}  // namespace
+}  // namespace datespec_test

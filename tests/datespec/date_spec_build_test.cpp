@@ -1,0 +1,322 @@
+// Building a date specification: construction, copying, AddPeriod and the
+// other setters with their status codes, and the comparison of two
+// specifications.
+#include <gtest/gtest.h>
+
+#include "date_spec_test_util.h"
+
+namespace datespec_test {
+namespace {
+
+long Code(const OstraTime::OstraStatus& status) { return status.GetCode(); }
+
+std::vector<unsigned> PeriodFields(const DS& spec, unsigned i) {
+  DS::PeriodType type = DS::Obs;
+  unsigned cycle = 99, start = 99, length = 99;
+  spec.GetPeriod(i, type, cycle, start, length);
+  return {unsigned(type), cycle, start, length};
+}
+
+// A call that fails must give `code` and leave `spec` as it was.
+template <typename Call>
+void ExpectRefused(DS& spec, long code, Call call) {
+  const DS before(spec);
+  const auto snapshot = Snapshot(spec);
+  EXPECT_EQ(Code(call(spec)), code);
+  EXPECT_TRUE(spec.IsEquivalent(before, true));
+  EXPECT_EQ(Snapshot(spec), snapshot);
+}
+
+void ExpectAddPeriodRefused(DS& spec, long code, DS::PeriodType type,
+                            unsigned cycle, unsigned start, unsigned length) {
+  ExpectRefused(spec, code,
+                [&](DS& s) { return s.AddPeriod(type, cycle, start, length); });
+}
+
+DS YearMonth() {
+  DS spec(DS::Year);
+  EXPECT_TRUE(spec.AddPeriod(DS::Month, 12, 0, 0).IsOK());
+  return spec;
+}
+
+TEST(DateSpecConstruction, OnePeriodAndStartValues) {
+  const DS spec(DS::Year);
+  EXPECT_EQ(spec.PeriodCount(), 1u);
+  EXPECT_EQ(PeriodFields(spec, 0), (Indexes{DS::Year, 0, 0, 0}));
+  EXPECT_EQ(PeriodFields(spec, 1), (Indexes{DS::Obs, 99, 99, 99}));
+  EXPECT_EQ(Snapshot(spec), (std::vector<uint64_t>{1, DS::Year, 0, 0, 0, 1, 0,
+                                                   0, 0, 0, 0, 1, 0, 0, 0}));
+  EXPECT_EQ(PeriodFields(DS(), 0), (Indexes{DS::SimpleSequence, 0, 0, 0}));
+}
+
+TEST(DateSpecConstruction, ObsFirstThrows40200AndNoOtherTypeDoes) {
+  try {
+    DS spec(DS::Obs);
+    ADD_FAILURE() << "no throw";
+  } catch (const OstraTime::OstraStatus& status) {
+    EXPECT_EQ(status.GetCode(), 40200);
+    EXPECT_FALSE(status.IsWarning());
+  }
+  for (int type = DS::SimpleSequence; type < DS::Obs; ++type) {
+    EXPECT_NO_THROW(DS spec{DS::PeriodType(type)});
+  }
+}
+
+TEST(DateSpecCopy, DeepCopiesAndKeepsTuplesBound) {
+  DS a = YearMonth();
+  MoveFirstCase(a, {2001, 2});
+  ASSERT_TRUE(a.AddGap(3).IsOK());
+  a.SetForcedSeasonLength(12);
+  a.SetFiscalYearStart(4);
+  DS b(a);
+  EXPECT_EQ(Snapshot(b), Snapshot(a));
+  ASSERT_TRUE(b.AddGap(5).IsOK());
+  EXPECT_EQ(a.GapCount(), 1u);
+  EXPECT_FALSE(a.IsEquivalent(b, true));
+
+  const Tuple of_b = b.FirstCaseIndex();
+  const auto before = Snapshot(b);
+  const DS& same = b;
+  b = same;
+  EXPECT_EQ(Snapshot(b), before);
+  b = a;
+  EXPECT_EQ(Snapshot(b), Snapshot(a));
+  EXPECT_TRUE(b.SetFirstCaseIndex(of_b).IsOK());
+  EXPECT_EQ(Code(a.SetFirstCaseIndex(of_b)), 40208);
+}
+
+TEST(AddPeriod, WholeSubCycleReadsAsZero) {
+  DS whole = YearMonth();
+  DS explicit_length(DS::Year);
+  ASSERT_TRUE(explicit_length.AddPeriod(DS::Month, 12, 0, 12).IsOK());
+  EXPECT_EQ(PeriodFields(whole, 1), (Indexes{DS::Month, 12, 0, 0}));
+  EXPECT_EQ(Snapshot(explicit_length), Snapshot(whole));
+  ASSERT_TRUE(whole.AddPeriod(DS::Month, 12, 2, 7).IsOK());
+  EXPECT_EQ(PeriodFields(whole, 1), (Indexes{DS::Month, 12, 2, 7}));
+  EXPECT_EQ(whole.FirstCaseIndex().GetIndexes(), (Indexes{0, 2}));
+}
+
+TEST(AddPeriod, CycleAndPositionChecks) {
+  DS spec(DS::Year);
+  ExpectAddPeriodRefused(spec, 40201, DS::Month, 1, 0, 0);
+  ExpectAddPeriodRefused(spec, 40201, DS::Month, 0, 0, 0);
+  ExpectAddPeriodRefused(spec, 40201, DS::Month, 7, 3, 5);
+  ExpectAddPeriodRefused(spec, 40201, DS::Month, 7, 8, 0);
+  ExpectAddPeriodRefused(spec, 40202, DS::Year, 12, 0, 0);
+  ExpectAddPeriodRefused(spec, 40202, DS::Cycle, 12, 0, 0);
+  DS cycle(DS::Cycle);
+  ExpectAddPeriodRefused(cycle, 40202, DS::Cycle, 12, 0, 0);
+  DS month(DS::Month);
+  ExpectAddPeriodRefused(month, 40202, DS::Year, 12, 0, 0);
+  EXPECT_TRUE(month.AddPeriod(DS::Obs, 7, 3, 4).IsOK());
+}
+
+TEST(AddPeriod, FamiliesDontMix) {
+  DS year(DS::Year);
+  ExpectAddPeriodRefused(year, 40204, DS::Week, 52, 0, 0);
+  DS cycle(DS::Cycle);
+  ASSERT_TRUE(cycle.AddPeriod(DS::Month, 12, 0, 0).IsOK());
+  ExpectAddPeriodRefused(cycle, 40204, DS::Week, 4, 0, 0);
+  DS week(DS::Week);
+  ExpectAddPeriodRefused(week, 40202, DS::Month, 12, 0, 0);
+  EXPECT_TRUE(DS(DS::Cycle).AddPeriod(DS::Week, 4, 0, 0).IsOK());
+  // Obs is neutral, and so is a first SimpleSequence or a lone Cycle.
+  for (DS::PeriodType first : {DS::SimpleSequence, DS::Cycle, DS::Year,
+                               DS::Month, DS::Week, DS::Second}) {
+    EXPECT_TRUE(DS(first).AddPeriod(DS::Obs, 3, 0, 0).IsOK()) << first;
+  }
+  DS sequence;
+  EXPECT_TRUE(sequence.AddPeriod(DS::Month, 12, 0, 0).IsOK());
+  EXPECT_TRUE(sequence.AddPeriod(DS::Day, 7, 0, 0).IsOK());
+  DS cycle_obs(DS::Cycle);
+  ASSERT_TRUE(cycle_obs.AddPeriod(DS::Obs, 3, 0, 0).IsOK());
+  ASSERT_TRUE(cycle_obs.AddPeriod(DS::Hour, 24, 0, 0).IsOK());
+  ExpectAddPeriodRefused(cycle_obs, 40204, DS::Year, 5, 0, 0);
+}
+
+TEST(AddPeriod, QuarterAndMonthLinkInEitherOrder) {
+  DS quarter_first(DS::Year);
+  ASSERT_TRUE(quarter_first.AddPeriod(DS::Quarter, 4, 0, 0).IsOK());
+  ASSERT_TRUE(quarter_first.AddPeriod(DS::Month, 12, 0, 0).IsOK());
+  DS month_first(DS::Year);
+  ASSERT_TRUE(month_first.AddPeriod(DS::Month, 12, 0, 0).IsOK());
+  ASSERT_TRUE(month_first.AddPeriod(DS::Quarter, 4, 0, 0).IsOK());
+  for (const DS* spec : {&quarter_first, &month_first}) {
+    EXPECT_TRUE(Valid(*spec, {2001, 1, 4}));
+    EXPECT_FALSE(Valid(*spec, {2001, 0, 3}));
+    EXPECT_EQ(Make(*spec, {2001, 1, 4}).VirtualCaseOffset(), 2001 * 12 + 4);
+  }
+  EXPECT_EQ(Snapshot(quarter_first), Snapshot(month_first));
+}
+
+TEST(AddPeriod, QuarterAndMonthMustFit) {
+  DS quarter(DS::Year);
+  ASSERT_TRUE(quarter.AddPeriod(DS::Quarter, 4, 0, 0).IsOK());
+  ExpectAddPeriodRefused(quarter, 40206, DS::Month, 10, 0, 0);
+  DS starts_with_quarter(DS::Quarter);
+  ExpectAddPeriodRefused(starts_with_quarter, 40206, DS::Month, 12, 0, 0);
+
+  DS part(DS::Year);
+  ASSERT_TRUE(part.AddPeriod(DS::Quarter, 4, 1, 2).IsOK());
+  for (unsigned start : {3u, 4u, 5u}) {
+    DS spec(part);
+    EXPECT_TRUE(spec.AddPeriod(DS::Month, 12, start, 6).IsOK()) << start;
+  }
+  ExpectAddPeriodRefused(part, 40206, DS::Month, 12, 2, 6);
+  ExpectAddPeriodRefused(part, 40206, DS::Month, 12, 6, 6);
+  ExpectAddPeriodRefused(part, 40206, DS::Month, 12, 3, 9);
+
+  // A replacement is checked against its partner, if there is one.
+  EXPECT_TRUE(quarter.AddPeriod(DS::Quarter, 5, 0, 0).IsOK());
+  ASSERT_TRUE(quarter.AddPeriod(DS::Quarter, 4, 0, 0).IsOK());
+  ASSERT_TRUE(quarter.AddPeriod(DS::Month, 12, 0, 0).IsOK());
+  ExpectAddPeriodRefused(quarter, 40206, DS::Quarter, 4, 1, 2);
+  ExpectAddPeriodRefused(quarter, 40206, DS::Month, 12, 3, 6);
+}
+
+TEST(AddPeriod, InsertingBeforeALinkedPairMovesTheLink) {
+  DS spec(DS::Cycle);
+  ASSERT_TRUE(spec.AddPeriod(DS::Quarter, 4, 0, 0).IsOK());
+  ASSERT_TRUE(spec.AddPeriod(DS::Month, 12, 0, 0).IsOK());
+  ASSERT_TRUE(spec.AddPeriod(DS::Year, 3, 0, 0).IsOK());
+  EXPECT_TRUE(Valid(spec, {0, 2, 1, 5}));
+  EXPECT_FALSE(Valid(spec, {0, 2, 2, 5}));
+  EXPECT_EQ(Make(spec, {1, 2, 1, 5}).VirtualCaseOffset(), 3 * 12 + 2 * 12 + 5);
+  EXPECT_EQ(spec.IndexTuple(3 * 12 + 2 * 12 + 5).GetIndexes(),
+            (Indexes{1, 2, 1, 5}));
+}
+
+TEST(AddPeriod, LastPeriodMustTakeTheIncrement) {
+  DS spec(DS::Cycle);
+  ASSERT_TRUE(spec.AddPeriod(DS::Month, 12, 0, 0).IsOK());
+  ASSERT_TRUE(spec.SetLowestIncrement(3).IsOK());
+  ExpectAddPeriodRefused(spec, 40207, DS::Obs, 7, 0, 0);
+  ExpectAddPeriodRefused(spec, 40207, DS::Month, 10, 0, 0);
+  EXPECT_TRUE(spec.AddPeriod(DS::Quarter, 4, 0, 0).IsOK());
+  EXPECT_TRUE(spec.AddPeriod(DS::Obs, 9, 0, 0).IsOK());
+}
+
+TEST(AddPeriod, AnEighthPeriodIsRefused40210) {
+  DS spec;
+  for (DS::PeriodType type :
+       {DS::Year, DS::Quarter, DS::Month, DS::Week, DS::Day, DS::Hour}) {
+    ASSERT_TRUE(spec.AddPeriod(type, type == DS::Month ? 12 : 4, 0, 0).IsOK());
+  }
+  ASSERT_EQ(spec.PeriodCount(), 7u);
+  ExpectAddPeriodRefused(spec, 40210, DS::Minute, 60, 0, 0);
+  ExpectAddPeriodRefused(spec, 40210, DS::Obs, 60, 0, 0);
+  EXPECT_TRUE(spec.AddPeriod(DS::Hour, 24, 0, 0).IsOK());
+  EXPECT_EQ(spec.FirstCaseIndex().GetIndexes(), (Indexes{0, 0, 0, 0, 0, 0, 0}));
+}
+
+TEST(AddPeriod, StructuralChangesResetFirstCaseGapsAndDay) {
+  DS spec(DS::Cycle);
+  ASSERT_TRUE(spec.AddPeriod(DS::Day, 7, 1, 5).IsOK());
+  MoveFirstCase(spec, {4, 3});
+  ASSERT_TRUE(spec.AddGap(2).IsOK());
+  ASSERT_TRUE(spec.SetFirstCaseDay(3, 4, 2020));
+  spec.SetForcedSeasonLength(5);
+  spec.SetFiscalYearStart(7);
+  DS copy(spec);
+  ASSERT_TRUE(spec.AddPeriod(DS::Hour, 24, 0, 0).IsOK());
+  ASSERT_TRUE(copy.SetLowestIncrement(5).IsOK());
+  for (const DS* changed : {&spec, &copy}) {
+    unsigned day = 9, month = 9, year = 9;
+    changed->GetFirstCaseDay(day, month, year);
+    EXPECT_EQ(day + month + year, 0u);
+    EXPECT_EQ(changed->GapCount(), 0u);
+    EXPECT_EQ(changed->NumberFromOffset(0), 0u);
+    EXPECT_EQ(changed->FirstCaseIndex().GetIndexes()[1], 1u);
+    EXPECT_EQ(changed->ForcedSeasonLength(), 5u);
+    EXPECT_EQ(changed->FiscalYearStart(), 7u);
+  }
+}
+
+TEST(SetLowestIncrement, MustDivideTheLastSubCycle) {
+  DS spec = YearMonth();
+  ExpectRefused(spec, 40207, [](DS& s) { return s.SetLowestIncrement(5); });
+  ExpectRefused(spec, 40207, [](DS& s) { return s.SetLowestIncrement(0); });
+  EXPECT_EQ(spec.DefaultSeasonLength(), 12u);
+  ASSERT_TRUE(spec.SetLowestIncrement(3).IsOK());
+  EXPECT_EQ(spec.LowestIncrement(), 3u);
+  EXPECT_EQ(spec.DefaultSeasonLength(), 4u);
+
+  DS alone(DS::Year);
+  EXPECT_TRUE(alone.SetLowestIncrement(7).IsOK());
+  EXPECT_EQ(alone.DefaultSeasonLength(), 1u);
+
+  DS sequence;
+  ASSERT_TRUE(sequence.AddPeriod(DS::Month, 12, 0, 0).IsOK());
+  ExpectRefused(sequence, 40205, [](DS& s) { return s.SetLowestIncrement(5); });
+  ExpectRefused(sequence, 40205, [](DS& s) { return s.SetLowestIncrement(3); });
+}
+
+TEST(AddGap, ChecksOffsetBeforeTypeAndKeepsOrder) {
+  DS sequence;
+  ExpectRefused(sequence, 40209, [](DS& s) { return s.AddGap(0); });
+  ExpectRefused(sequence, 40209, [](DS& s) { return s.AddGap(INT32_MIN); });
+  ExpectRefused(sequence, 40205, [](DS& s) { return s.AddGap(1); });
+
+  DS spec = YearMonth();
+  for (int32_t gap : {8, 3, 5, INT32_MAX, 3}) {
+    EXPECT_TRUE(spec.AddGap(gap).IsOK());
+  }
+  std::vector<int32_t> gaps;
+  for (size_t i = 0; i < spec.GapCount(); ++i) {
+    gaps.push_back(spec.GapIndex(i).VirtualCaseOffset());
+  }
+  EXPECT_EQ(gaps, (std::vector<int32_t>{3, 5, 8, INT32_MAX}));
+  spec.ClearGaps();
+  EXPECT_EQ(spec.GapCount(), 0u);
+  EXPECT_EQ(spec.CaseOffset(3), 3);
+}
+
+TEST(SetFirstCaseDay, NeedsADayPeriodAndAWholeDate) {
+  DS spec(DS::Week);
+  EXPECT_FALSE(spec.SetFirstCaseDay(1, 1, 2000));
+  ASSERT_TRUE(spec.AddPeriod(DS::Day, 7, 0, 5).IsOK());
+  EXPECT_TRUE(spec.SetFirstCaseDay(31, 2, 1999));
+  const auto stored = Snapshot(spec);
+  for (const Indexes& bad :
+       {Indexes{32, 1, 1}, Indexes{1, 13, 1}, Indexes{1, 0, 1},
+        Indexes{1, 1, 0}, Indexes{0, 1, 0}, Indexes{0, 0, 1}}) {
+    EXPECT_FALSE(spec.SetFirstCaseDay(bad[0], bad[1], bad[2]));
+    EXPECT_EQ(Snapshot(spec), stored);
+  }
+  unsigned day = 0, month = 0, year = 0;
+  spec.GetFirstCaseDay(day, month, year);
+  EXPECT_EQ((Indexes{day, month, year}), (Indexes{31, 2, 1999}));
+  EXPECT_TRUE(spec.SetFirstCaseDay(0, 0, 0));
+  spec.GetFirstCaseDay(day, month, year);
+  EXPECT_EQ((Indexes{day, month, year}), (Indexes{0, 0, 0}));
+}
+
+TEST(IsEquivalent, StrictAlsoComparesFirstCaseAndGaps) {
+  const DS base = YearMonth();
+  DS moved(base);
+  MoveFirstCase(moved, {1, 1});
+  DS gapped(base);
+  ASSERT_TRUE(gapped.AddGap(4).IsOK());
+  for (const DS* other : {&moved, &gapped}) {
+    EXPECT_TRUE(base.IsEquivalent(*other, false));
+    EXPECT_FALSE(base.IsEquivalent(*other, true));
+  }
+  DS stored_only(base);
+  stored_only.SetForcedSeasonLength(3);
+  stored_only.SetFiscalYearStart(4);
+  EXPECT_TRUE(base.IsEquivalent(stored_only, true));
+
+  DS increment(base);
+  ASSERT_TRUE(increment.SetLowestIncrement(2).IsOK());
+  DS sub_cycle(DS::Year);
+  ASSERT_TRUE(sub_cycle.AddPeriod(DS::Month, 12, 0, 11).IsOK());
+  DS longer(base);
+  ASSERT_TRUE(longer.AddPeriod(DS::Obs, 2, 0, 0).IsOK());
+  for (const DS* other : {&increment, &sub_cycle, &longer}) {
+    EXPECT_FALSE(base.IsEquivalent(*other, false));
+    EXPECT_FALSE(other->IsEquivalent(base, false));
+  }
+}
+
+}  // namespace
+}  // namespace datespec_test

@@ -1,0 +1,447 @@
+// Generated specifications checked against the test's own model of the time
+// axis: a mixed-radix count of steps, and a plain set of gaps.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <random>
+
+#include "date_spec_test_util.h"
+
+namespace datespec_test {
+namespace {
+
+constexpr int64_t kTwo31 = int64_t{1} << 31;
+constexpr int64_t kTwo32 = int64_t{1} << 32;
+
+class Random {
+ public:
+  explicit Random(uint32_t seed) : engine_(seed) {}
+  // Uniform in [lo, hi].
+  int64_t In(int64_t lo, int64_t hi) {
+    return std::uniform_int_distribution<int64_t>(lo, hi)(engine_);
+  }
+  bool Chance(int percent) { return In(0, 99) < percent; }
+  uint32_t Bits() { return static_cast<uint32_t>(engine_()); }
+
+ private:
+  std::mt19937 engine_;
+};
+
+// The test's reading of a specification's periods, with the arithmetic
+// done independently, in 64 bits, on small numbers.
+struct Axis {
+  explicit Axis(const DS& spec) : increment(spec.LowestIncrement()) {
+    for (unsigned i = 0; i < spec.PeriodCount(); ++i) {
+      DS::PeriodType type = DS::Obs;
+      unsigned cycle = 0, start = 0, length = 0;
+      spec.GetPeriod(i, type, cycle, start, length);
+      types.push_back(type);
+      starts.push_back(start);
+      lengths.push_back(length == 0 ? cycle : length);
+      if (i > 1 && type == DS::Month && types[i - 1] == DS::Quarter) {
+        linked = i - 1;
+      }
+    }
+  }
+
+  size_t Count() const { return types.size(); }
+  bool IsLast(size_t i) const { return i + 1 == Count(); }
+
+  bool Valid(const Indexes& t) const {
+    if (t.size() != Count()) return false;
+    for (size_t i = 1; i < t.size(); ++i) {
+      if (t[i] < starts[i] || t[i] - starts[i] >= lengths[i]) return false;
+    }
+    if (linked != 0 && t[linked] != t[linked + 1] / 3) return false;
+    return (t.back() - starts.back()) % increment == 0;
+  }
+
+  // Steps from the origin, the first index counted as unsigned.
+  int64_t Number(const Indexes& t) const {
+    int64_t number = 0;
+    for (size_t i = 0; i < t.size(); ++i) {
+      if (i != 0 && i == linked) continue;
+      int64_t length = lengths[i], index = int64_t{t[i]} - starts[i];
+      if (IsLast(i)) length /= increment, index /= increment;
+      number = number * length + index;
+    }
+    return number;
+  }
+
+  // A tuple near `first`, mostly valid.
+  Indexes Near(Random& rng, const Indexes& first) const {
+    Indexes t(Count());
+    t[0] = rng.Chance(70)   ? first[0] + unsigned(rng.In(-3, 3))
+           : rng.Chance(50) ? unsigned(rng.In(0, 5000))
+                            : rng.Bits();
+    for (size_t i = 1; i < t.size(); ++i) {
+      const unsigned step = IsLast(i) ? increment : 1;
+      t[i] = starts[i] + step * unsigned(rng.In(0, lengths[i] / step - 1));
+    }
+    if (linked != 0) t[linked] = t[linked + 1] / 3;
+    if (rng.Chance(10)) t[rng.In(0, t.size() - 1)] += rng.Chance(50) ? 1 : -1;
+    return t;
+  }
+
+  std::vector<DS::PeriodType> types;
+  std::vector<unsigned> starts, lengths;
+  unsigned increment;
+  size_t linked = 0;
+};
+
+struct Counts {
+  int specs = 0, linked = 0, with_gaps = 0, increments = 0, sequences = 0;
+  int valid_tuples = 0, round_trips = 0, refusals = 0, moves = 0;
+};
+
+// A call that fails must leave `spec` exactly as it was.
+template <typename Call>
+bool Attempt(DS& spec, Counts& counts, Call call) {
+  const DS before(spec);
+  const auto snapshot = Snapshot(spec);
+  if (call(spec)) return true;
+  ++counts.refusals;
+  EXPECT_TRUE(spec.IsEquivalent(before, true));
+  EXPECT_EQ(Snapshot(spec), snapshot);
+  return false;
+}
+
+DS::PeriodType RandomType(Random& rng) {
+  return DS::PeriodType(rng.In(DS::SimpleSequence, DS::Obs));
+}
+
+// Adds random periods; most attempts fit the family of the first period.
+DS RandomNest(Random& rng, Counts& counts) {
+  DS spec(DS::PeriodType(rng.In(DS::SimpleSequence, DS::Second)));
+  const int attempts = int(rng.In(1, 9));
+  for (int a = 0; a < attempts; ++a) {
+    const DS::PeriodType type = rng.Chance(50)   ? RandomType(rng)
+                                : rng.Chance(50) ? DS::Quarter
+                                                 : DS::Month;
+    const Axis axis(spec);
+    unsigned cycle = unsigned(rng.In(2, 12)), start = 0, length = 0;
+    const auto at = std::find(axis.types.begin(), axis.types.end(),
+                              type == DS::Month ? DS::Quarter : DS::Month);
+    if (at != axis.types.end() && at != axis.types.begin() &&
+        (type == DS::Month || type == DS::Quarter) && rng.Chance(80)) {
+      // A partner exists: mostly make the pair fit.
+      const size_t p = at - axis.types.begin();
+      DS::PeriodType t = DS::Obs;
+      unsigned pc = 0, ps = 0, pl = 0;
+      spec.GetPeriod(unsigned(p), t, pc, ps, pl);
+      if (pl == 0) pl = pc;
+      if (type == DS::Month) {
+        cycle = 3 * pc, start = 3 * ps + unsigned(rng.In(0, 2)),
+        length = 3 * pl;
+      } else {
+        cycle = pc / 3, start = ps / 3, length = pl / 3;
+      }
+      if (length == cycle) length = 0;
+    } else if (rng.Chance(30)) {
+      length = unsigned(rng.In(1, cycle));
+      start = unsigned(rng.In(0, cycle - length));
+    }
+    Attempt(spec, counts, [&](DS& s) {
+      return s.AddPeriod(type, cycle, start, length).IsOK();
+    });
+  }
+  if (rng.Chance(50)) {
+    const Axis axis(spec);
+    const unsigned last = axis.Count() == 1 ? 12 : axis.lengths.back();
+    std::vector<unsigned> divisors;
+    for (unsigned d = 1; d <= last; ++d) {
+      if (last % d == 0) divisors.push_back(d);
+    }
+    const unsigned increment = rng.Chance(80)
+                                   ? divisors[rng.In(0, divisors.size() - 1)]
+                                   : unsigned(rng.In(0, 13));
+    if (Attempt(spec, counts, [&](DS& s) {
+          return s.SetLowestIncrement(increment).IsOK();
+        })) {
+      counts.increments += increment > 1;
+    }
+  }
+  return spec;
+}
+
+// Checks every conversion of `spec` against `axis` and the gaps `gaps`.
+void CheckArithmetic(const DS& spec, const Axis& axis,
+                     const std::vector<int32_t>& gaps, Random& rng,
+                     Counts& counts) {
+  const Indexes first = spec.FirstCaseIndex().GetIndexes();
+  const int64_t first_number = axis.Number(first);
+  const int64_t increment = axis.increment;
+  const bool first_exact = first_number * increment < kTwo31;
+  if (first_exact) {
+    EXPECT_EQ(spec.NumberFromOffset(0), uint64_t(first_number));
+  }
+
+  for (int n = 0; n < 40; ++n) {
+    const Indexes indexes = axis.Near(rng, first);
+    Tuple tuple(spec);
+    const bool valid = tuple.SetIndexes(indexes);
+    ASSERT_EQ(valid, axis.Valid(indexes)) << ::testing::PrintToString(indexes);
+    if (!valid) continue;
+    ++counts.valid_tuples;
+    const int64_t diff = axis.Number(indexes) - first_number;
+    const int32_t offset = tuple.VirtualCaseOffset();
+    EXPECT_EQ(tuple.CaseOffset(), spec.CaseOffset(offset));
+    if (std::abs(diff * increment) >= kTwo31) continue;
+    ASSERT_EQ(offset, diff);
+    if (first_exact && axis.Number(indexes) < kTwo32) {
+      ASSERT_EQ(spec.IndexTuple(offset).GetIndexes(), indexes);
+      ++counts.round_trips;
+    }
+  }
+
+  // Every point near the first case is a valid tuple, or the first case
+  // where the point isn't valid (a linked pair whose sub-cycles disagree).
+  const int64_t back = std::min<int64_t>(5, first_number);
+  for (int32_t v = int32_t(-back); v < 30 && first_exact; ++v) {
+    const Tuple tuple = spec.IndexTuple(v);
+    EXPECT_TRUE(tuple.IsValid());
+    if (v != 0 && tuple.GetIndexes() == first) continue;
+    EXPECT_EQ(tuple.VirtualCaseOffset(), v);
+  }
+
+  // Gaps, against a walk over the axis.
+  const int32_t end = gaps.empty() ? 10 : std::min(gaps.back() + 5, 400);
+  int32_t below = 0;
+  std::vector<int32_t> virtual_of;
+  for (int32_t v = 0; v <= end; ++v) {
+    const bool gap = std::binary_search(gaps.begin(), gaps.end(), v);
+    EXPECT_EQ(spec.CaseOffset(v), gap ? -1 : v - below) << v;
+    EXPECT_EQ(spec.ClosestCaseOffset(v, true), v - below) << v;
+    EXPECT_EQ(spec.ClosestCaseOffset(v, false), v - below - gap) << v;
+    if (gap) {
+      ++below;
+    } else {
+      virtual_of.push_back(v);
+    }
+  }
+  for (int32_t k = 0; k < int32_t(virtual_of.size()); ++k) {
+    EXPECT_EQ(spec.VirtualCaseOffset(k), virtual_of[k]);
+    EXPECT_EQ(spec.CaseOffset(spec.VirtualCaseOffset(k)), k);
+  }
+  for (int32_t v : {-1, -2, -1000}) {
+    EXPECT_EQ(spec.CaseOffset(v), v);
+    EXPECT_EQ(spec.VirtualCaseOffset(v), v);
+  }
+  // Each gap's tuple gives the gap back, unless the point isn't a valid
+  // tuple and the first case stands in for it.
+  for (size_t i = 0; i < gaps.size() && first_exact; ++i) {
+    const Tuple tuple = spec.GapIndex(i);
+    if (tuple.GetIndexes() == first) continue;
+    EXPECT_EQ(tuple.VirtualCaseOffset(), gaps[i]);
+  }
+
+  // Case numbers and offsets invert each other where neither clamps.
+  const uint64_t first_case_number = spec.NumberFromOffset(0);
+  for (int n = 0; n < 20; ++n) {
+    const int32_t offset = int32_t(rng.Bits() >> rng.In(0, 31));
+    if (offset < 0 && uint64_t(-int64_t{offset}) > first_case_number) {
+      EXPECT_EQ(spec.NumberFromOffset(offset), 0u);
+      continue;
+    }
+    const uint64_t number = spec.NumberFromOffset(offset);
+    EXPECT_EQ(number, first_case_number + uint64_t(int64_t{offset}));
+    EXPECT_EQ(spec.OffsetFromNumber(number), offset);
+  }
+}
+
+TEST(DateSpecProperties, GeneratedSpecifications) {
+  Random rng(20240611);
+  Counts counts;
+  constexpr int kSpecs = 2000;
+  for (int round = 0; round < kSpecs; ++round) {
+    SCOPED_TRACE(round);
+    DS spec = RandomNest(rng, counts);
+    Axis axis(spec);
+    ++counts.specs;
+    counts.linked += axis.linked != 0;
+    counts.sequences += axis.types[0] == DS::SimpleSequence;
+    std::vector<int32_t> gaps;
+    const DS other(spec);
+
+    for (int step = 0; step < 25; ++step) {
+      const Indexes first = spec.FirstCaseIndex().GetIndexes();
+      // Half the tuples are points near the first case, the rest anything.
+      const Indexes indexes =
+          rng.Chance(50)
+              ? spec.IndexTuple(int32_t(rng.In(-40, 80))).GetIndexes()
+              : axis.Near(rng, first);
+      const bool foreign = rng.Chance(5);
+      Tuple tuple(foreign ? other : spec);
+      tuple.SetIndexes(indexes);
+      const Indexes held = tuple.GetIndexes();
+      const int64_t diff = held.size() == axis.Count()
+                               ? axis.Number(held) - axis.Number(first)
+                               : 0;
+      const bool near = std::abs(diff * axis.increment) < 1000;
+      switch (rng.In(0, 6)) {
+        case 0: {  // A gap at an offset.
+          const int32_t offset = int32_t(rng.In(-2, 60));
+          if (Attempt(spec, counts,
+                      [&](DS& s) { return s.AddGap(offset).IsOK(); })) {
+            ASSERT_GT(offset, 0);
+            ASSERT_NE(axis.types[0], DS::SimpleSequence);
+            gaps.push_back(offset);
+          }
+          break;
+        }
+        case 1:  // A gap at a tuple.
+          if (!near) break;
+          if (Attempt(spec, counts,
+                      [&](DS& s) { return s.AddGap(tuple).IsOK(); })) {
+            ASSERT_FALSE(foreign);
+            gaps.push_back(int32_t(diff));
+          }
+          break;
+        case 2:  // Move the first case.
+          if (!near) break;
+          if (Attempt(spec, counts, [&](DS& s) {
+                return s.SetFirstCaseIndex(tuple).IsOK();
+              })) {
+            ASSERT_FALSE(foreign);
+            ++counts.moves;
+            std::vector<int32_t> moved;
+            for (int32_t gap : gaps) {
+              if (gap - diff > 0) moved.push_back(int32_t(gap - diff));
+            }
+            gaps = moved;
+            ASSERT_EQ(spec.FirstCaseIndex().GetIndexes(), held);
+          }
+          break;
+        case 3:  // A structural change, mostly refused.
+          if (Attempt(spec, counts, [&](DS& s) {
+                return s
+                    .AddPeriod(RandomType(rng), unsigned(rng.In(0, 12)),
+                               unsigned(rng.In(0, 3)), unsigned(rng.In(0, 12)))
+                    .IsOK();
+              })) {
+            axis = Axis(spec);
+            gaps.clear();
+          }
+          break;
+        case 4:
+          if (Attempt(spec, counts, [&](DS& s) {
+                return s.SetLowestIncrement(unsigned(rng.In(0, 6))).IsOK();
+              })) {
+            axis = Axis(spec);
+            gaps.clear();
+          }
+          break;
+        case 5:
+          Attempt(spec, counts, [&](DS& s) {
+            return s.SetFirstCaseDay(unsigned(rng.In(0, 32)),
+                                     unsigned(rng.In(0, 13)),
+                                     unsigned(rng.In(0, 2)));
+          });
+          break;
+        default:
+          if (rng.Chance(20)) {
+            spec.ClearGaps();
+            gaps.clear();
+          }
+      }
+      std::sort(gaps.begin(), gaps.end());
+      gaps.erase(std::unique(gaps.begin(), gaps.end()), gaps.end());
+      ASSERT_EQ(spec.GapCount(), gaps.size());
+      if (step % 12 == 11) CheckArithmetic(spec, axis, gaps, rng, counts);
+      if (HasFatalFailure()) return;
+    }
+    counts.with_gaps += !gaps.empty();
+  }
+  EXPECT_EQ(counts.specs, kSpecs);
+  EXPECT_GT(counts.linked, kSpecs / 50);
+  EXPECT_GT(counts.sequences, kSpecs / 20);
+  EXPECT_GT(counts.increments, kSpecs / 10);
+  EXPECT_GT(counts.with_gaps, kSpecs / 4);
+  EXPECT_GT(counts.moves, 2 * kSpecs);
+  EXPECT_GT(counts.round_trips, 20 * kSpecs);
+  EXPECT_GT(counts.refusals, 10 * kSpecs);
+  RecordProperty("linked", counts.linked);
+  RecordProperty("sequences", counts.sequences);
+  RecordProperty("increments", counts.increments);
+  RecordProperty("with_gaps", counts.with_gaps);
+  RecordProperty("moves", counts.moves);
+  RecordProperty("valid_tuples", counts.valid_tuples);
+  RecordProperty("round_trips", counts.round_trips);
+  RecordProperty("refusals", counts.refusals);
+}
+
+// Huge cycles, sub-cycles whose end wraps past 32 bits, strides that wrap to
+// 0, huge increments and gaps: nothing is checked against a model, but every
+// call stays defined, a refusal changes nothing, and the conversions keep
+// the relations that hold whatever the numbers.
+TEST(DateSpecProperties, WrappingSpecificationsStayDefined) {
+  Random rng(77);
+  Counts counts;
+  const unsigned cycles[] = {2, 3, 7, 12, 65536, 1u << 31, 0xFFFFFFFFu};
+  for (int round = 0; round < 1500; ++round) {
+    SCOPED_TRACE(round);
+    DS spec(DS::PeriodType(rng.In(DS::SimpleSequence, DS::Second)));
+    for (int a = 0; a < 6; ++a) {
+      const unsigned cycle =
+          rng.Chance(70) ? cycles[rng.In(0, 6)] : unsigned(rng.Bits());
+      unsigned start = 0, length = 0;
+      if (rng.Chance(30)) {
+        start = 0u - unsigned(rng.In(1, 4));
+        length = unsigned(rng.In(1, 8));
+      } else if (cycle >= 2 && rng.Chance(30)) {
+        length = unsigned(rng.In(1, cycle));
+        start = unsigned(rng.In(0, cycle - length));
+      }
+      Attempt(spec, counts, [&](DS& s) {
+        return s.AddPeriod(RandomType(rng), cycle, start, length).IsOK();
+      });
+    }
+    Attempt(spec, counts, [&](DS& s) {
+      return s
+          .SetLowestIncrement(rng.Chance(50) ? rng.Bits() : 1u << rng.In(0, 3))
+          .IsOK();
+    });
+
+    for (int step = 0; step < 20; ++step) {
+      const Indexes first = spec.FirstCaseIndex().GetIndexes();
+      Indexes indexes = first;
+      for (unsigned& index : indexes) {
+        if (rng.Chance(50)) index += rng.Chance(50) ? rng.Bits() : 1;
+      }
+      Tuple tuple(spec);
+      if (tuple.SetIndexes(indexes)) {
+        Attempt(spec, counts, [&](DS& s) {
+          return (rng.Chance(50) ? s.SetFirstCaseIndex(tuple) : s.AddGap(tuple))
+              .IsOK();
+        });
+      }
+      Attempt(spec, counts,
+              [&](DS& s) { return s.AddGap(int32_t(rng.Bits())).IsOK(); });
+
+      const int32_t v = int32_t(rng.Bits());
+      const Tuple at = spec.IndexTuple(v);
+      EXPECT_TRUE(at.IsValid() ||
+                  at.GetIndexes() == spec.FirstCaseIndex().GetIndexes());
+      EXPECT_EQ(at.CaseOffset(), spec.CaseOffset(at.VirtualCaseOffset()));
+      EXPECT_EQ(at.ClosestCaseOffset(true),
+                spec.ClosestCaseOffset(at.VirtualCaseOffset(), true));
+      spec.GapIndex(size_t(rng.In(0, spec.GapCount()))).VirtualCaseOffset();
+
+      const int32_t k = int32_t(rng.Bits() >> 1);
+      if (int64_t{k} + int64_t(spec.GapCount()) <= INT32_MAX) {
+        EXPECT_EQ(spec.CaseOffset(spec.VirtualCaseOffset(k)), k);
+      }
+      const uint64_t first_case_number = spec.NumberFromOffset(0);
+      if (v >= 0 || uint64_t(-int64_t{v}) <= first_case_number) {
+        EXPECT_EQ(spec.OffsetFromNumber(spec.NumberFromOffset(v)), v);
+      }
+      if (HasFailure()) return;
+    }
+  }
+  EXPECT_GT(counts.refusals, 1500 * 10);
+}
+
+}  // namespace
+}  // namespace datespec_test
