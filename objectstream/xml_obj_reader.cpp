@@ -30,7 +30,7 @@ constexpr char kEmptyStringTail[] = "\"\"/>";
 // One line of the stream and the tokens taken from it so far.
 class Line {
  public:
-  Line() : tokens_(text_) {}
+  Line() : tokens_(text_) { text_[0] = '\0'; }
   Line(const Line&) = delete;
   Line& operator=(const Line&) = delete;
 
@@ -63,7 +63,7 @@ class Line {
   }
 
  private:
-  char text_[256] = {};
+  char text_[256];
   internal::LineTokenizer tokens_;
 };
 
