@@ -7,42 +7,14 @@
 #include "modelapi/forecast_state.h"
 #include "tree/document_root.h"
 #include "tree/model_xml_tree_maker.h"
-#include "xml/internal/node_writer.h"
+#include "xml/internal/document_output.h"
 #include "xml/xml_node.h"
 
 using OstraTimeXML::ExportFormat;
 using OstraTimeXML::XMLElement;
-
-namespace {
-
-constexpr char kDeclaration[] = "<?xml version=\"1.0\" encoding=\"UTF-8\" ?>";
-
-// Lends the model elements to the document root for one write. Unless the
-// write succeeds and Keep is called, the destructor takes them back, so that
-// a failing write leaves them with the tree.
-class ChildLoan {
- public:
-  ChildLoan(XMLElement& root, const std::vector<XMLElement*>& children)
-      : root_(root) {
-    OstraTimeXML::internal::XMLNodeAccess::ReserveChildren(root, children.size());
-    first_ = OstraTimeXML::internal::XMLNodeAccess::ChildCount(root);
-    for (XMLElement* child : children) root.AddElement(child);  // no throw
-  }
-  ~ChildLoan() {
-    if (!kept_) OstraTimeXML::internal::XMLNodeAccess::ReleaseChildrenFrom(root_, first_);
-  }
-  ChildLoan(const ChildLoan&) = delete;
-  ChildLoan& operator=(const ChildLoan&) = delete;
-
-  void Keep() { kept_ = true; }
-
- private:
-  XMLElement& root_;
-  size_t first_ = 0;
-  bool kept_ = false;
-};
-
-}  // namespace
+using OstraTimeXML::internal::ChildLoan;
+using OstraTimeXML::internal::kXMLDeclaration;
+using OstraTimeXML::internal::kXMLDeclarationLength;
 
 TSXMLTreeImp::TSXMLTreeImp() = default;
 
@@ -123,7 +95,7 @@ bool TSXMLTreeImp::WriteXMLToStream(std::ostream& os, bool complete) {
   root->AddElement(dictionary.release());
 
   ChildLoan loan(*root, models_);
-  os.write(kDeclaration, sizeof kDeclaration - 1);
+  os.write(kXMLDeclaration, kXMLDeclarationLength);
   ExportFormat format;
   root->ToStream(os, format, false);
   loan.Keep();
