@@ -53,8 +53,9 @@ void OutputBuffer::Reserve(std::size_t size) {
   }
   std::size_t free = bytes_->size() - used;
   if (size > free) {
-    std::size_t wanted = std::max(
-        {bytes_->size() * 2, used + size, bytes_->size() + kMinGrowth});
+    // Room the string already has comes first; past it, double.
+    std::size_t wanted = std::max({bytes_->capacity(), bytes_->size() * 2,
+                                   used + size, bytes_->size() + kMinGrowth});
     bytes_->resize(wanted);
   }
   cur_ = bytes_->data() + used;
