@@ -136,7 +136,10 @@ class TSXML_API XMLDocType : public XMLInterface {
 
 // An element with attributes and children (elements and text nodes in one
 // sequence). Owns every attribute and child added to it; a node must be added
-// to one element only. Null entries are accepted but must not be serialised.
+// to one element only. Null entries are accepted and skipped on output.
+// Writing and deleting loop over plain elements without recursion, so trees
+// of any depth are fine; a host subclass child writes itself through its own
+// virtual ToString or ToStream.
 class TSXML_API XMLElement : public XMLInterface {
  public:
   // Caller owns the result.
@@ -151,10 +154,11 @@ class TSXML_API XMLElement : public XMLInterface {
                bool utf8) const override;
 
   // Append and take ownership; return the number of children afterwards.
+  // Should growing the list throw, `child` is deleted and nothing changes.
   virtual int AddElement(XMLString* child);
   virtual int AddElement(XMLElement* child);
 
-  // Append and take ownership.
+  // Append and take ownership (on a throw the attribute is deleted).
   void AddAttribute(XMLAttribute* attribute);
   void AddAttribute(const std::string& name, const std::string& value);
   void AddAttribute(const std::string& name, double value);
@@ -179,8 +183,8 @@ TSXML_API int Write(std::ostream& os, const std::string& text);
 TSXML_API int WriteUTF(std::ostream& os, const std::string& text);
 
 // Writes the prolog (`docType`, or the XML declaration and a line feed when it
-// is null) and then `root`, raw bytes. `format` false puts the tree on one
-// line. Returns 0.
+// is null) and then `root` (nothing when null), raw bytes. `format` false
+// puts the tree on one line. Returns 0.
 TSXML_API int WriteTree(std::ostream& os, const XMLDocType* docType,
                         const XMLElement* root, bool format);
 
