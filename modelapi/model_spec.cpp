@@ -1,7 +1,5 @@
 #include "modelapi/model_spec.h"
 
-#include "modelapi/arima_spec.h"
-
 TSModelSpec::~TSModelSpec() = default;
 
 unsigned TSModelSpec::GetSeasonLength(bool) const { return seasonLength_; }
@@ -44,5 +42,3 @@ unsigned ESModelSpec::GetParameterCount(bool) const { return parameterCount_; }
 void ESModelSpec::SetESParameterIndex(int kind, int index) {
   if (kind >= 0 && kind < kParameterKindCount) index_[kind] = index;
 }
-
-unsigned AMModelSpec::GetParameterCount(bool) const { return parameterCount_; }
