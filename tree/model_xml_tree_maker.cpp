@@ -1,8 +1,13 @@
 #include "tree/model_xml_tree_maker.h"
 
+#include <memory>
+
 #include "modelapi/arima_state.h"
 #include "modelapi/forecast_state.h"
+#include "native/arima_element.h"
+#include "native/arima_state_element.h"
 #include "native/es_element.h"
+#include "native/model_elements.h"
 #include "xml/xml_node.h"
 
 ForecastStateVisitor::~ForecastStateVisitor() = default;
@@ -13,11 +18,35 @@ ModelXMLTreeMaker::ModelXMLTreeMaker(const TSXDictionaryRefs& refs,
 
 ModelXMLTreeMaker::~ModelXMLTreeMaker() { delete element_; }
 
-// ARIMA models are not written to the native document yet: their visits build
-// no element, so adding one answers false.
-void ModelXMLTreeMaker::Visit(const ARMAMLSpForecastState&) {}
-void ModelXMLTreeMaker::Visit(const ARMAMLForecastState&) {}
-void ModelXMLTreeMaker::Visit(const ARMACLSForecastState&) {}
+namespace {
+
+// The "ARIMAModel" element of `state` with the state element that `addState`
+// adds and "EstimationInfo", or null when the structure can't be written.
+template <typename State, typename AddState>
+OstraTimeXML::XMLElement* MakeARIMAModel(const State& state,
+                                         const TSXDictionaryRefs& refs,
+                                         const EstimationInfo& info,
+                                         AddState addState) {
+  std::unique_ptr<OstraTimeXML::XMLElement> element(tsxml::MakeARIMAElement(
+      state.GetAMModelSpec(), refs, state.GetParameters(),
+      state.GetParameterStdErrors()));
+  if (!element) return nullptr;
+  addState(*element, state);
+  tsxml::AddEstimationInfo(*element, info);
+  return element.release();
+}
+
+}  // namespace
+
+void ModelXMLTreeMaker::Visit(const ARMAMLSpForecastState& state) {
+  element_ = MakeARIMAModel(state, refs_, info_, tsxml::AddARIMAMLSpState);
+}
+void ModelXMLTreeMaker::Visit(const ARMAMLForecastState& state) {
+  element_ = MakeARIMAModel(state, refs_, info_, tsxml::AddARIMAMLState);
+}
+void ModelXMLTreeMaker::Visit(const ARMACLSForecastState& state) {
+  element_ = MakeARIMAModel(state, refs_, info_, tsxml::AddARIMACLSState);
+}
 
 void ModelXMLTreeMaker::Visit(const ESForecastState& state) {
   element_ = tsxml::MakeExpSmoothingElement(

@@ -42,6 +42,10 @@ bool TSXMLTree::AddModelTree(TSFModel model, const TSXDictionaryRefs& refs) {
   return imp_ && imp_->AddModelTree(model, refs);
 }
 
+bool TSXMLTree::AddModelTree(TSFCrModel model, const TSXDictionaryRefs& refs) {
+  return imp_ && imp_->AddModelTree(model, refs);
+}
+
 int TSXMLTree::GetModelCount() const {
   return imp_ ? imp_->GetModelCount() : 0;
 }

@@ -12,6 +12,7 @@
 #include <iosfwd>
 #include <string>
 
+#include "modelapi/croston_model.h"
 #include "modelapi/model.h"
 #include "tree/dictionary_refs.h"
 #include "tsxml_export.h"
@@ -42,6 +43,10 @@ class TSXML_API TSXMLTree {
   // Adds a fitted model; false when the references don't fit the model or
   // the model can't be written. A failed add leaves the tree unchanged.
   bool AddModelTree(TSFModel model, const TSXDictionaryRefs& refs);
+  // Adds a Croston model to the native document whatever the output mode;
+  // false, with the tree unchanged, when the references fail (they must name
+  // no predictor) or the handle is empty.
+  bool AddModelTree(TSFCrModel model, const TSXDictionaryRefs& refs);
 
   // The number of models waiting for a native write.
   int GetModelCount() const;

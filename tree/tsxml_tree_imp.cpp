@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "modelapi/forecast_state.h"
+#include "native/croston_element.h"
 #include "tree/document_root.h"
 #include "tree/model_xml_tree_maker.h"
 #include "xml/internal/document_output.h"
@@ -58,9 +59,34 @@ bool TSXMLTreeImp::AddXMLModelTree(TSFModel& model,
   imp->GetForecastState()->Accept(maker);
   std::unique_ptr<XMLElement> element(maker.ReleaseTree());
   if (!element) return false;
+  AppendModel(std::move(element), refs, index);
+  return true;
+}
+
+bool TSXMLTreeImp::AddModelTree(TSFCrModel model,
+                                const TSXDictionaryRefs& refs) {
+  unsigned int index = 0;
+  if (!CheckDictRefs(nullptr, refs, index)) return false;
+  const TSFCrModelImp* imp = model.GetImp();
+  if (imp == nullptr) return false;
+  const ESForecastState* actualDemand =
+      imp->GetForecastState(TSFCrModelImp::ActualDemand);
+  const ESForecastState* elapsedTime =
+      imp->GetForecastState(TSFCrModelImp::ElapsedTime);
+  const ESForecastState* absoluteError =
+      imp->GetForecastState(TSFCrModelImp::AbsoluteError);
+  if (!actualDemand || !elapsedTime || !absoluteError) return false;
+  AppendModel(std::unique_ptr<XMLElement>(tsxml::MakeCrostonElement(
+                  *actualDemand, *elapsedTime, *absoluteError, refs,
+                  imp->GetFunctionType(), imp->GetEstimationInfo())),
+              refs, index);
+  return true;
+}
+
+void TSXMLTreeImp::AppendModel(std::unique_ptr<XMLElement> element,
+                               const TSXDictionaryRefs&, unsigned int) {
   models_.push_back(element.get());
   element.release();
-  return true;
 }
 
 bool TSXMLTreeImp::CheckDictRefs(const TSFModel* model,

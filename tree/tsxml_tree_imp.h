@@ -6,9 +6,11 @@
 #define TSXML_TREE_TSXML_TREE_IMP_H
 
 #include <iosfwd>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "modelapi/croston_model.h"
 #include "modelapi/model.h"
 #include "modelapi/ref_counted.h"
 #include "tree/dictionary_refs.h"
@@ -35,6 +37,10 @@ class TSXML_API TSXMLTreeImp : public TSRCObject {
   // model is refused. Models in PMML or StatXML mode are refused until those
   // dialects are built in.
   bool AddModelTree(TSFModel model, const TSXDictionaryRefs& refs);
+  // Adds a Croston model to the native models whatever the mode; PMML and
+  // StatXML writes leave it out. False, with the tree unchanged, when the
+  // references fail (they must name no predictor) or the handle is empty.
+  bool AddModelTree(TSFCrModel model, const TSXDictionaryRefs& refs);
   int GetModelCount() const;
 
   // Writes by the mode in force. Native mode: false (nothing written) when no
@@ -44,6 +50,10 @@ class TSXML_API TSXMLTreeImp : public TSRCObject {
 
  private:
   bool AddXMLModelTree(TSFModel& model, const TSXDictionaryRefs& refs);
+  // Appends a finished model element (not null) to the native models; `index`
+  // is the position of its date spec entry from CheckDictRefs.
+  void AppendModel(std::unique_ptr<OstraTimeXML::XMLElement> element,
+                   const TSXDictionaryRefs& refs, unsigned int index);
   // Whether `refs` may be written with `model` (null: a model without
   // predictors); `index` is set to the position of its date spec entry.
   bool CheckDictRefs(const TSFModel* model, const TSXDictionaryRefs& refs,
