@@ -240,6 +240,17 @@ TEST(Tuples, CompareByIndexesThenLength) {
   EXPECT_EQ(Tuple().Compare(Make(two, {0, 0})), -1);
 }
 
+TEST(CaseNumbers, AStrideThatWrapsToZeroTakesNothing) {
+  // 65536 x 65536 cases per cycle: the cycle's stride wraps to 0, and so
+  // does its share of an offset.
+  const DS spec =
+      Nest(DS::Cycle, {{DS::Hour, 65536, 0, 0}, {DS::Minute, 65536, 0, 0}});
+  EXPECT_EQ(spec.IndexTuple(3 * 65536 + 1).GetIndexes(), (Indexes{0, 3, 1}));
+  EXPECT_EQ(Make(spec, {5, 3, 1}).VirtualCaseOffset(), 3 * 65536 + 1);
+  EXPECT_EQ(spec.IndexTuple(INT32_MAX).GetIndexes(),
+            (Indexes{0, 32767, 65535}));
+}
+
 TEST(CaseNumbers, ClampAtTheOriginAndWrapInLowBits) {
   DS spec = YearMonth();
   MoveFirstCase(spec, {2001, 2});

@@ -17,6 +17,12 @@ std::vector<unsigned> PeriodFields(const DS& spec, unsigned i) {
   return {unsigned(type), cycle, start, length};
 }
 
+Indexes FirstCaseDay(const DS& spec) {
+  unsigned day = 9, month = 9, year = 9;
+  spec.GetFirstCaseDay(day, month, year);
+  return {day, month, year};
+}
+
 // A call that fails must give `code` and leave `spec` as it was.
 template <typename Call>
 void ExpectRefused(DS& spec, long code, Call call) {
@@ -218,12 +224,14 @@ TEST(AddPeriod, StructuralChangesResetFirstCaseGapsAndDay) {
   spec.SetForcedSeasonLength(5);
   spec.SetFiscalYearStart(7);
   DS copy(spec);
+  DS moved(spec);
+  MoveFirstCase(moved, {4, 4});
+  EXPECT_EQ(FirstCaseDay(moved), (Indexes{0, 0, 0}));
+  EXPECT_EQ(moved.GapCount(), 1u);
   ASSERT_TRUE(spec.AddPeriod(DS::Hour, 24, 0, 0).IsOK());
   ASSERT_TRUE(copy.SetLowestIncrement(5).IsOK());
   for (const DS* changed : {&spec, &copy}) {
-    unsigned day = 9, month = 9, year = 9;
-    changed->GetFirstCaseDay(day, month, year);
-    EXPECT_EQ(day + month + year, 0u);
+    EXPECT_EQ(FirstCaseDay(*changed), (Indexes{0, 0, 0}));
     EXPECT_EQ(changed->GapCount(), 0u);
     EXPECT_EQ(changed->NumberFromOffset(0), 0u);
     EXPECT_EQ(changed->FirstCaseIndex().GetIndexes()[1], 1u);
@@ -283,12 +291,9 @@ TEST(SetFirstCaseDay, NeedsADayPeriodAndAWholeDate) {
     EXPECT_FALSE(spec.SetFirstCaseDay(bad[0], bad[1], bad[2]));
     EXPECT_EQ(Snapshot(spec), stored);
   }
-  unsigned day = 0, month = 0, year = 0;
-  spec.GetFirstCaseDay(day, month, year);
-  EXPECT_EQ((Indexes{day, month, year}), (Indexes{31, 2, 1999}));
+  EXPECT_EQ(FirstCaseDay(spec), (Indexes{31, 2, 1999}));
   EXPECT_TRUE(spec.SetFirstCaseDay(0, 0, 0));
-  spec.GetFirstCaseDay(day, month, year);
-  EXPECT_EQ((Indexes{day, month, year}), (Indexes{0, 0, 0}));
+  EXPECT_EQ(FirstCaseDay(spec), (Indexes{0, 0, 0}));
 }
 
 TEST(IsEquivalent, StrictAlsoComparesFirstCaseAndGaps) {
