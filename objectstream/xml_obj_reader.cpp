@@ -30,7 +30,7 @@ constexpr char kEmptyStringTail[] = "\"\"/>";
 // One line of the stream and the tokens taken from it so far.
 class Line {
  public:
-  Line() : tokens_(text_) { text_[0] = '\0'; }
+  Line() : tokens_(nullptr) {}  // no token before the first Read
   Line(const Line&) = delete;
   Line& operator=(const Line&) = delete;
 

@@ -10,7 +10,7 @@ namespace internal {
 class LineTokenizer {
  public:
   // `line` is NUL-terminated and must outlive the tokenizer; Next writes into
-  // it.
+  // it. A null `line` has no tokens.
   explicit LineTokenizer(char* line) : next_(line) {}
 
   // Skips the leading bytes found in `delims`, then returns the token that
