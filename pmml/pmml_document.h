@@ -1,0 +1,119 @@
+// TSXPMMLDocument: gathers the "TimeSeriesModel" elements of one PMML 4.2
+// document and writes the whole document, with its "Header" and
+// "DataDictionary", to a stream.
+#ifndef TSXML_PMML_PMML_DOCUMENT_H
+#define TSXML_PMML_PMML_DOCUMENT_H
+
+#include <cstddef>
+#include <iosfwd>
+#include <memory>
+#include <string>
+#include <valarray>
+#include <vector>
+
+#include "modelapi/model.h"
+#include "pmml/model_summary.h"
+#include "tree/dictionary_refs.h"
+#include "xml/xml_node.h"
+
+class ESForecastState;
+class ESModelSpec;
+class EstimationInfo;
+
+namespace tsxml {
+
+using OstraTimeXML::XMLElement;
+
+// Owns the model elements it built and deletes them with itself. Nothing here
+// reports a failure; an allocation failure passes through and leaves the
+// document as it was.
+class TSXPMMLDocument {
+ public:
+  // Application "TimeSeriesApp" version "4.0", no copyright, no time field,
+  // TimeSeries on, and the exponential smoothing form of DataDictionary.
+  TSXPMMLDocument();
+  ~TSXPMMLDocument();
+  TSXPMMLDocument(const TSXPMMLDocument&) = delete;
+  TSXPMMLDocument& operator=(const TSXPMMLDocument&) = delete;
+
+  // Replaces all three strings when `name` is not empty (an empty version or
+  // copyright included); an empty `name` changes nothing.
+  void SetApplication(std::string name, std::string version,
+                      std::string copyright);
+
+  // The time field, such as "Month" and "date". Until both are set the
+  // documents name the field "Month", of type "date".
+  void SetDateFieldName(std::string name);
+  void SetDateFieldType(std::string type);
+  // Sets the time field from the period type of a date specification; false,
+  // and nothing changed, for a type without a time field name.
+  bool SetDateFieldFromPeriod(int periodType);
+
+  // Whether exponential smoothing models added from now on carry their
+  // observed series in a "TimeSeries" element.
+  void SetESPMMLOutputTimeValue(bool on) { esPMMLOutputTimeValue_ = on; }
+
+  // Adds the element of `model` and makes it the model that decides
+  // DataDictionary. Always true. Only a model with an exponential smoothing
+  // state gets an element: other models (and an empty one) select the ARIMA
+  // form of DataDictionary and add no element.
+  bool AddModel(const TSFModel& model, const TSXDictionaryRefs& refs,
+                const std::valarray<double>& history);
+
+  // Writes the document, with the XML declaration when `complete`. Takes
+  // `dateSpecExtension` (may be null), which becomes the first child of an
+  // exponential smoothing DataDictionary and is dropped by the ARIMA form.
+  // Always true. Writes are repeatable: the model elements are lent to the
+  // document for the write and kept, so a second write gives the same bytes.
+  bool Write(std::ostream& stream, bool complete,
+             XMLElement* dateSpecExtension);
+
+  // The model elements in the order of adding; null past the end. The
+  // document keeps ownership.
+  size_t GetModelElementCount() const { return modelElements_.size(); }
+  const XMLElement* GetModelElement(size_t index) const;
+
+ private:
+  // What the model added last decides; replaced as a whole by each add.
+  struct LastModel {
+    TSXModelSummary summary;
+    TSXDictionaryRefs dictionaryRefs;
+    bool lastModelIsES = true;
+  };
+
+  // The "TimeSeriesModel" element of an exponential smoothing model, from
+  // `summary` and the document's time field and TimeSeries flag. A missing
+  // value in the final state drops what depends on it; any other missing
+  // value is written as its number text, and so is "phi" of a damped trend
+  // model whose specification has no damping parameter. Caller owns the
+  // result.
+  XMLElement* BuildESModel(const TSXModelSummary& summary,
+                           const ESModelSpec& spec,
+                           const TSXDictionaryRefs& refs,
+                           const std::valarray<double>& parameterEstimates,
+                           const ESForecastState& forecastState,
+                           const EstimationInfo& estimationInfo,
+                           const std::valarray<double>& history) const;
+
+  // The root "PMML" with its "Header". Caller owns the result.
+  XMLElement* MakeRoot() const;
+  // Adds "DataDictionary" in the form that the model added last selects.
+  void AddDataDictionary(XMLElement& root,
+                         std::unique_ptr<XMLElement> dateSpecExtension) const;
+  // The time field of the documents: the one set, or "Month" of type "date".
+  const std::string& TimeFieldName() const;
+  const std::string& TimeFieldType() const;
+
+  std::string applicationName_;
+  std::string applicationVersion_;
+  std::string copyright_;
+  std::string dateFieldName_;
+  std::string dateFieldType_;
+  std::vector<XMLElement*> modelElements_;  // owned
+  std::unique_ptr<LastModel> last_;         // never null
+  bool esPMMLOutputTimeValue_ = true;
+};
+
+}  // namespace tsxml
+
+#endif  // TSXML_PMML_PMML_DOCUMENT_H
