@@ -7,7 +7,6 @@
 #include <fstream>
 #include <limits>
 #include <locale>
-#include <memory>
 #include <random>
 #include <stdexcept>
 #include <string>
@@ -18,11 +17,10 @@
 
 #include "gtest/gtest.h"
 #include "modelapi/missing_value.h"
+#include "object_stream_test_util.h"
 #include "objectstream/xml_obj.h"
 #include "objectstream/xml_obj_reader.h"
-#include "stream_file.h"
 #include "xml/number_text.h"
-#include "xml/xml_node.h"
 
 namespace {
 
@@ -145,11 +143,7 @@ class Generator {
 
 void Write(const std::string& path, const std::vector<Event>& events) {
   std::ofstream out(path, std::ios::binary);
-  std::unique_ptr<OstraTimeXML::XMLDocType> head(
-      OstraTimeXML::XMLDocType::Create("OstraXMLRoot", "savexml.dtd", 0));
-  OstraTimeXML::ExportFormat format;
-  head->ToStream(out, format, false);
-  OstraTimeXML::WriteHeader(out, "(c) round trip");
+  out << objectstream_test::StreamHead("(c) round trip");
   std::vector<XMLObj> open;
   for (const Event& event : events) {
     switch (event.kind) {

@@ -1,19 +1,17 @@
 #include "objectstream/xml_obj_reader.h"
 
 #include <climits>
-#include <memory>
-#include <sstream>
 #include <string>
+#include <utility>
 
 #include "gtest/gtest.h"
 #include "modelapi/missing_value.h"
-#include "objectstream/xml_obj.h"
-#include "stream_file.h"
-#include "xml/xml_node.h"
+#include "object_stream_test_util.h"
 
 namespace {
 
 using objectstream_test::StreamFile;
+using objectstream_test::StreamHead;
 using OstraTimeXML::ParseEndObj;
 using OstraTimeXML::ParseStartObj;
 using OstraTimeXML::ParseStartXML;
@@ -30,13 +28,7 @@ std::pair<bool, T> ReadOne(const std::string& line, T initial) {
 }
 
 TEST(ObjectStreamReader, HeadFromDocTypeAndWriteHeader) {
-  std::unique_ptr<OstraTimeXML::XMLDocType> head(
-      OstraTimeXML::XMLDocType::Create("OstraXMLRoot", "savexml.dtd", 0));
-  std::ostringstream os;
-  OstraTimeXML::ExportFormat format;
-  head->ToStream(os, format, false);
-  OstraTimeXML::WriteHeader(os, "(c) x");
-  StreamFile file(os.str() + "\n</Obj>");
+  StreamFile file(StreamHead("(c) x") + "\n</Obj>");
   EXPECT_TRUE(ParseStartXML(file.in()));
   EXPECT_TRUE(ParseEndObj(file.in()));
 }

@@ -1,16 +1,15 @@
 #include <climits>
 #include <cmath>
 #include <limits>
-#include <memory>
 #include <random>
 #include <sstream>
 #include <string>
 
 #include "gtest/gtest.h"
 #include "modelapi/missing_value.h"
+#include "object_stream_test_util.h"
 #include "objectstream/xml_obj.h"
 #include "xml/number_text.h"
-#include "xml/xml_node.h"
 
 namespace {
 
@@ -115,12 +114,8 @@ TEST(XMLObjWriter, RootLines) {
 }
 
 TEST(XMLObjWriter, WholeStreamWithDocTypeHead) {
-  std::unique_ptr<OstraTimeXML::XMLDocType> head(
-      OstraTimeXML::XMLDocType::Create("OstraXMLRoot", "savexml.dtd", 0));
   std::ostringstream os;
-  OstraTimeXML::ExportFormat format;
-  head->ToStream(os, format, false);
-  OstraTimeXML::WriteHeader(os, "c");
+  os << objectstream_test::StreamHead("c");
   const XMLObj outer("Outer", 1);
   const XMLObj inner("Inner", 2);
   outer.StartObj(os);

@@ -1,7 +1,7 @@
-// Test helpers for the object stream: a temporary file to read from, and the
-// escaped form in which a string value comes back.
-#ifndef TSXML_TESTS_OBJECTSTREAM_STREAM_FILE_H
-#define TSXML_TESTS_OBJECTSTREAM_STREAM_FILE_H
+// Test helpers for the object stream: temporary files to read from, the head
+// of a stream, and the escaped form in which a string value comes back.
+#ifndef TSXML_TESTS_OBJECTSTREAM_OBJECT_STREAM_TEST_UTIL_H
+#define TSXML_TESTS_OBJECTSTREAM_OBJECT_STREAM_TEST_UTIL_H
 
 #include <unistd.h>
 
@@ -9,9 +9,11 @@
 #include <cstdio>
 #include <fstream>
 #include <memory>
+#include <sstream>
 #include <string>
 
 #include "gtest/gtest.h"
+#include "objectstream/xml_obj.h"
 #include "xml/xml_node.h"
 
 namespace objectstream_test {
@@ -61,6 +63,18 @@ inline std::string Escaped(const std::string& value) {
   return text.substr(3, text.size() - 4);  // v="...", without the quotes
 }
 
+// The head of a stream as a host writes it: the document type node with
+// "OstraXMLRoot" and "savexml.dtd", then WriteHeader(copyright).
+inline std::string StreamHead(const std::string& copyright) {
+  std::unique_ptr<OstraTimeXML::XMLDocType> docType(
+      OstraTimeXML::XMLDocType::Create("OstraXMLRoot", "savexml.dtd", 0));
+  std::ostringstream os;
+  OstraTimeXML::ExportFormat format;
+  docType->ToStream(os, format, false);
+  OstraTimeXML::WriteHeader(os, copyright);
+  return os.str();
+}
+
 }  // namespace objectstream_test
 
-#endif  // TSXML_TESTS_OBJECTSTREAM_STREAM_FILE_H
+#endif  // TSXML_TESTS_OBJECTSTREAM_OBJECT_STREAM_TEST_UTIL_H
