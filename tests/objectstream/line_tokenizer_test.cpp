@@ -25,15 +25,6 @@ TEST(LineTokenizer, SkipsLeadingDelimitersAndEndsTokensInPlace) {
             std::string("\t\t<Int\0value\0\"3\0/>", 18));
 }
 
-TEST(LineTokenizer, LineOfDelimitersOnlyHasNoToken) {
-  char empty[] = "";
-  EXPECT_EQ(LineTokenizer(empty).Next(" "), nullptr);
-  char blanks[] = " \r";
-  LineTokenizer tokens(blanks);
-  EXPECT_EQ(tokens.Next(" \r"), nullptr);
-  EXPECT_EQ(tokens.Next("x"), nullptr);  // used up, whatever the set
-}
-
 // Over random lines and random delimiter sets, the tokenizer gives the tokens
 // of strtok at the same places and leaves the same bytes in the line.
 TEST(LineTokenizer, AgreesWithStrtok) {

@@ -90,16 +90,6 @@ TEST(XMLObjWriter, NameIsWrittenVerbatim) {
   EXPECT_EQ(os.str(), "\n<Obj name=\"a&<b> c\">");
 }
 
-TEST(XMLObjWriter, CopyKeepsNameAndTabs) {
-  XMLObj copy("x", 0);
-  const XMLObj original("inner", 2);
-  copy = original;
-  std::ostringstream a, b;
-  copy.StartObj(a);
-  original.StartObj(b);
-  EXPECT_EQ(a.str(), b.str());
-}
-
 TEST(XMLObjWriter, RootLines) {
   std::ostringstream os;
   EXPECT_EQ(OstraTimeXML::StartRoot(os, "x"), 0);
