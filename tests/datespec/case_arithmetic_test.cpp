@@ -23,18 +23,6 @@ struct Worked {
   std::vector<Indexes> invalid;
 };
 
-DS Nest(DS::PeriodType first, std::vector<std::vector<unsigned>> periods,
-        unsigned increment = 1) {
-  DS spec(first);
-  for (const auto& p : periods) {
-    EXPECT_TRUE(spec.AddPeriod(DS::PeriodType(p[0]), p[1], p[2], p[3]).IsOK());
-  }
-  EXPECT_TRUE(increment == 1 || spec.SetLowestIncrement(increment).IsOK());
-  return spec;
-}
-
-DS YearMonth() { return Nest(DS::Year, {{DS::Month, 12, 0, 0}}); }
-
 TEST(WorkedNumbers, FourSpecifications) {
   const std::vector<Worked> table = {
       {YearMonth,
@@ -100,22 +88,6 @@ TEST(WorkedNumbers, FourSpecifications) {
       EXPECT_EQ(tuple.GetIndexes(), w.first);
     }
   }
-}
-
-// The gaps 3, 4 and 8 on a specification of years and months.
-DS Gapped() {
-  DS spec = YearMonth();
-  MoveFirstCase(spec, {2001, 2});
-  for (int32_t gap : {8, 3, 4}) EXPECT_TRUE(spec.AddGap(gap).IsOK());
-  return spec;
-}
-
-std::vector<int32_t> Gaps(const DS& spec) {
-  std::vector<int32_t> gaps;
-  for (size_t i = 0; i < spec.GapCount(); ++i) {
-    gaps.push_back(spec.GapIndex(i).VirtualCaseOffset());
-  }
-  return gaps;
 }
 
 TEST(Gaps, OffsetTable) {

@@ -42,14 +42,6 @@ void operator delete(void* block, std::size_t) noexcept {
 namespace datespec_test {
 namespace {
 
-DS Gapped() {
-  DS spec(DS::Year);
-  EXPECT_TRUE(spec.AddPeriod(DS::Month, 12, 0, 0).IsOK());
-  MoveFirstCase(spec, {2001, 2});
-  for (int32_t gap : {3, 4, 8}) EXPECT_TRUE(spec.AddGap(gap).IsOK());
-  return spec;
-}
-
 // Runs `call` on a fresh Gapped() with the N-th allocation failing, for N
 // from 0 until the call goes through; after each failure the specification
 // must be unchanged and every block freed. Returns the failures injected.

@@ -39,12 +39,6 @@ void ExpectAddPeriodRefused(DS& spec, long code, DS::PeriodType type,
                 [&](DS& s) { return s.AddPeriod(type, cycle, start, length); });
 }
 
-DS YearMonth() {
-  DS spec(DS::Year);
-  EXPECT_TRUE(spec.AddPeriod(DS::Month, 12, 0, 0).IsOK());
-  return spec;
-}
-
 TEST(DateSpecConstruction, OnePeriodAndStartValues) {
   const DS spec(DS::Year);
   EXPECT_EQ(spec.PeriodCount(), 1u);
@@ -269,11 +263,7 @@ TEST(AddGap, ChecksOffsetBeforeTypeAndKeepsOrder) {
   for (int32_t gap : {8, 3, 5, INT32_MAX, 3}) {
     EXPECT_TRUE(spec.AddGap(gap).IsOK());
   }
-  std::vector<int32_t> gaps;
-  for (size_t i = 0; i < spec.GapCount(); ++i) {
-    gaps.push_back(spec.GapIndex(i).VirtualCaseOffset());
-  }
-  EXPECT_EQ(gaps, (std::vector<int32_t>{3, 5, 8, INT32_MAX}));
+  EXPECT_EQ(Gaps(spec), (std::vector<int32_t>{3, 5, 8, INT32_MAX}));
   spec.ClearGaps();
   EXPECT_EQ(spec.GapCount(), 0u);
   EXPECT_EQ(spec.CaseOffset(3), 3);

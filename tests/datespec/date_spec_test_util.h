@@ -32,6 +32,38 @@ inline void MoveFirstCase(DS& spec, const Indexes& indexes) {
   ASSERT_TRUE(spec.SetFirstCaseIndex(Make(spec, indexes)).IsOK());
 }
 
+// A specification of the type `first` and the periods {type, cycle length,
+// sub-cycle start, sub-cycle length}, with `increment`.
+inline DS Nest(DS::PeriodType first,
+               const std::vector<std::vector<unsigned>>& periods,
+               unsigned increment = 1) {
+  DS spec(first);
+  for (const auto& p : periods) {
+    EXPECT_TRUE(spec.AddPeriod(DS::PeriodType(p[0]), p[1], p[2], p[3]).IsOK());
+  }
+  EXPECT_TRUE(increment == 1 || spec.SetLowestIncrement(increment).IsOK());
+  return spec;
+}
+
+inline DS YearMonth() { return Nest(DS::Year, {{DS::Month, 12, 0, 0}}); }
+
+// Years and months from the year 2001, month 2, with the gaps 3, 4 and 8.
+inline DS Gapped() {
+  DS spec = YearMonth();
+  MoveFirstCase(spec, {2001, 2});
+  for (int32_t gap : {8, 3, 4}) EXPECT_TRUE(spec.AddGap(gap).IsOK());
+  return spec;
+}
+
+// The gaps, read back through their tuples.
+inline std::vector<int32_t> Gaps(const DS& spec) {
+  std::vector<int32_t> gaps;
+  for (size_t i = 0; i < spec.GapCount(); ++i) {
+    gaps.push_back(spec.GapIndex(i).VirtualCaseOffset());
+  }
+  return gaps;
+}
+
 // Everything a caller can read of a specification, flattened for ==.
 inline std::vector<uint64_t> Snapshot(const DS& spec) {
   std::vector<uint64_t> out;
