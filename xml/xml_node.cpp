@@ -227,7 +227,7 @@ int Write(std::ostream& os, const std::string& text) {
 
 int WriteUTF(std::ostream& os, const std::string& text) {
   std::string converted;
-  internal::AppendNarrowAsUtf8(text.data(), text.size(), converted);
+  internal::NarrowToUtf8().Append(text.data(), text.size(), converted);
   return Write(os, converted);
 }
 

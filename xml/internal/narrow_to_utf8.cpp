@@ -50,9 +50,12 @@ bool AppendCodePoint(std::uint32_t cp, std::string& out) {
 
 }  // namespace
 
-bool AppendNarrowAsUtf8(const char* data, std::size_t size, std::string& out) {
+NarrowToUtf8::NarrowToUtf8() : copy_ascii_(AsciiMapsToItself()) {}
+
+bool NarrowToUtf8::Append(const char* data, std::size_t size,
+                          std::string& out) const {
   const std::size_t start = out.size();
-  const bool copy_ascii = AsciiMapsToItself();
+  const bool copy_ascii = copy_ascii_;
   std::mbstate_t state{};
   std::size_t i = 0;
   while (i < size) {

@@ -3,28 +3,25 @@
 #include <algorithm>
 #include <ostream>
 
-#include "xml/internal/narrow_to_utf8.h"
-
 namespace OstraTimeXML {
 namespace internal {
 namespace {
 
-// Bytes gathered before a stream write, and the least growth of a string.
+// Bytes gathered before a stream write, and the least growth of the bytes.
 constexpr std::size_t kStreamChunk = 16 * 1024;
-constexpr std::size_t kMinGrowth = 256;
+constexpr std::size_t kMinGrowth = 128;
 
 }  // namespace
 
 OutputBuffer::OutputBuffer(std::string& out)
-    : string_target_(&out), bytes_(&out) {
+    : string_target_(&out), bytes_(&out), start_(out.size()) {
   cur_ = end_ = out.data() + out.size();
 }
 
 OutputBuffer::OutputBuffer(std::ostream& os, bool utf8)
     : stream_(&os), utf8_(utf8), bytes_(&staging_) {
-  staging_.resize(kStreamChunk);
-  cur_ = staging_.data();
-  end_ = cur_ + staging_.size();
+  if (utf8) converter_.emplace();
+  cur_ = end_ = staging_.data();
 }
 
 OutputBuffer::~OutputBuffer() {
@@ -46,17 +43,15 @@ void OutputBuffer::PutTabs(int count) {
 
 void OutputBuffer::Reserve(std::size_t size) {
   std::size_t used = static_cast<std::size_t>(cur_ - bytes_->data());
-  if (stream_ != nullptr && !utf8_ && used > 0) {
-    // Raw stream: no piece spans a write, so the bytes can go now.
+  if (stream_ != nullptr && !utf8_ && used > 0 && used + size > kStreamChunk) {
+    // Raw stream: no piece spans a write, so full chunks can go now.
     stream_->write(bytes_->data(), static_cast<std::streamsize>(used));
     used = 0;
   }
-  std::size_t free = bytes_->size() - used;
-  if (size > free) {
-    // Room the string already has comes first; past it, double.
-    std::size_t wanted = std::max({bytes_->capacity(), bytes_->size() * 2,
-                                   used + size, bytes_->size() + kMinGrowth});
-    bytes_->resize(wanted);
+  if (size > bytes_->size() - used) {
+    // Grow by what this buffer has written so far: the zero fill of resize
+    // stays proportional to our own output, not to the string's capacity.
+    bytes_->resize(used + std::max({size, kMinGrowth, used - start_}));
   }
   cur_ = bytes_->data() + used;
   end_ = bytes_->data() + bytes_->size();
@@ -64,7 +59,7 @@ void OutputBuffer::Reserve(std::size_t size) {
 
 void OutputBuffer::ConvertPiece() {
   char* begin = bytes_->data();
-  AppendNarrowAsUtf8(begin, static_cast<std::size_t>(cur_ - begin), converted_);
+  converter_->Append(begin, static_cast<std::size_t>(cur_ - begin), converted_);
   cur_ = begin;
   if (converted_.size() >= kStreamChunk) {
     stream_->write(converted_.data(),

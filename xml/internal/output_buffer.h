@@ -5,7 +5,10 @@
 #include <cstddef>
 #include <cstring>
 #include <iosfwd>
+#include <optional>
 #include <string>
+
+#include "xml/internal/narrow_to_utf8.h"
 
 namespace OstraTimeXML {
 namespace internal {
@@ -72,6 +75,8 @@ class OutputBuffer {
   std::string staging_;    // the bytes before they reach a stream
   std::string* bytes_;     // the caller's string or staging_
   std::string converted_;  // UTF-8 mode: converted pieces not yet written
+  std::optional<NarrowToUtf8> converter_;  // UTF-8 mode only
+  std::size_t start_ = 0;  // where this buffer's bytes begin in *bytes_
   char* cur_ = nullptr;
   char* end_ = nullptr;
 };
