@@ -74,6 +74,7 @@ class TSXML_API TSXDateSpec {
     TSXIndexTuple();
     // Bound to `spec`, holding the indexes of its first case.
     explicit TSXIndexTuple(const TSXDateSpec& spec);
+    // The same, for the library's own code (TSXDateSpecImp isn't installed).
     explicit TSXIndexTuple(const TSXDateSpecImp& imp);
 
     // True if unbound; else true if the indexes are a valid point of the

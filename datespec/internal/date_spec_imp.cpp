@@ -6,8 +6,14 @@
 #include <utility>
 #include <vector>
 
-namespace datespec::internal {
+namespace {
 
+using datespec::internal::AsSigned;
+using datespec::internal::DivideTowardZero;
+using Status = OstraTime::OstraStatus;
+using Period = TSXDateSpecImp::Period;
+
+// +1 for the calendar types, -1 for the clock types, 0 for the others.
 int Family(TSXDateSpec::PeriodType type) {
   switch (type) {
     case TSXDateSpec::Year:
@@ -25,15 +31,6 @@ int Family(TSXDateSpec::PeriodType type) {
   }
 }
 
-}  // namespace datespec::internal
-
-namespace {
-
-using datespec::internal::AsSigned;
-using datespec::internal::DivideTowardZero;
-using Status = OstraTime::OstraStatus;
-using Period = TSXDateSpecImp::Period;
-
 Status Failure(datespec::internal::StatusCode code) {
   return Status(code, false);
 }
@@ -43,8 +40,8 @@ bool IsQuarterOrMonth(TSXDateSpec::PeriodType type) {
 }
 
 // A Quarter fits a Month when the month cycle and sub-cycle are three times
-// those of the quarter and the month sub-cycle starts in the quarter's first
-// quarter. The products are exact, not 32-bit.
+// those of the quarter and the quarter's sub-cycle starts at the month's
+// start divided by 3. The products are exact, not 32-bit.
 bool QuarterFitsMonth(const Period& q, const Period& m) {
   return q.cycleLength > 1 &&
          uint64_t{m.cycleLength} == 3 * uint64_t{q.cycleLength} &&
@@ -60,7 +57,6 @@ TSXDateSpecImp::TSXDateSpecImp(PeriodType type)
 Status TSXDateSpecImp::AddPeriod(PeriodType type, uint32_t cycleLength,
                                  uint32_t subCycleStart,
                                  uint32_t subCycleLength) {
-  using datespec::internal::Family;
   const uint32_t length = subCycleLength != 0 ? subCycleLength : cycleLength;
   if (cycleLength < 2 || length + subCycleStart > cycleLength) {
     return Failure(datespec::internal::kBadCycle);
@@ -93,8 +89,9 @@ Status TSXDateSpecImp::AddPeriod(PeriodType type, uint32_t cycleLength,
   if (IsQuarterOrMonth(type)) {
     // A Month pairs with the period before it, a Quarter with the one after.
     size_t other = position - 1;
-    if (type == TSXDateSpec::Quarter)
+    if (type == TSXDateSpec::Quarter) {
       other = replacing ? position + 1 : position;
+    }
     if (other < count && IsQuarterOrMonth(periods_[other].periodType)) {
       const bool is_quarter = type == TSXDateSpec::Quarter;
       if (!QuarterFitsMonth(is_quarter ? record : periods_[other],

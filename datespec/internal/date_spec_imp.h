@@ -34,9 +34,6 @@ inline int32_t DivideTowardZero(int32_t value, uint32_t divisor) {
   return static_cast<int32_t>(int64_t{value} / int64_t{divisor});
 }
 
-// +1 for the calendar types, -1 for the clock types, 0 for the others.
-int Family(TSXDateSpec::PeriodType type);
-
 }  // namespace datespec::internal
 
 // Owned by exactly one TSXDateSpec; tuples point to it. Mutating operations
