@@ -29,7 +29,9 @@ void* operator new(std::size_t size) {
   return block;
 }
 
-void operator delete(void* block) noexcept {
+// Not inlined, so that an optimiser doesn't see free() meet a block from
+// operator new and warn of a mismatch.
+[[gnu::noinline]] void operator delete(void* block) noexcept {
   if (block == nullptr) return;
   --g_live;
   std::free(block);
