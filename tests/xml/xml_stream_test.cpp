@@ -70,6 +70,22 @@ class TreeGenerator {
 
   std::string Prefix() { return Chance(2) ? "" : "<prefix>"; }
 
+  // A tree, a start format, and the reference pieces with the end format.
+  struct Case {
+    ref::Node mirror;
+    std::unique_ptr<XMLElement> tree;
+    ref::Format start;
+    ref::Format end;
+    std::vector<std::string> pieces;
+  };
+  Case NextCase() {
+    Case c;
+    c.tree.reset(Element(c.mirror, 0));
+    c.start = c.end = RandomFormat();
+    ref::Write(c.mirror, c.end, c.pieces);
+    return c;
+  }
+
  private:
   int Below(int n) {
     return std::uniform_int_distribution<int>(0, n - 1)(rng_);
@@ -195,34 +211,29 @@ constexpr int kTrees = 1500;
 TEST(GeneratedTrees, ToStringAndToStreamMatchReference) {
   TreeGenerator generator(20240601);
   for (int n = 0; n < kTrees; ++n) {
-    ref::Node mirror;
-    std::unique_ptr<XMLElement> tree(generator.Element(mirror, 0));
-    const ref::Format start = generator.RandomFormat();
-    ref::Format end = start;
-    std::vector<std::string> pieces;
-    ref::Write(mirror, end, pieces);
-    const std::string expected = ref::Join(pieces);
+    const TreeGenerator::Case c = generator.NextCase();
+    const std::string expected = ref::Join(c.pieces);
 
-    ExportFormat format = ToExportFormat(start);
+    ExportFormat format = ToExportFormat(c.start);
     const std::string prefix = generator.Prefix();
     std::string text = prefix;
-    ASSERT_EQ(tree->ToString(text, format), 0);
+    ASSERT_EQ(c.tree->ToString(text, format), 0);
     ASSERT_EQ(text, prefix + expected) << "tree " << n;
-    ExpectSameState(format, end);
+    ExpectSameState(format, c.end);
 
-    format = ToExportFormat(start);
+    format = ToExportFormat(c.start);
     std::ostringstream os;
     os << prefix;
-    ASSERT_EQ(tree->ToStream(os, format, false), 0);
+    ASSERT_EQ(c.tree->ToStream(os, format, false), 0);
     ASSERT_EQ(os.str(), prefix + expected) << "tree " << n;
-    ExpectSameState(format, end);
+    ExpectSameState(format, c.end);
 
     std::ostringstream document;
-    WriteTree(document, nullptr, tree.get(), start.format);
+    WriteTree(document, nullptr, c.tree.get(), c.start.format);
     ref::Format tree_format;
-    tree_format.format = start.format;
+    tree_format.format = c.start.format;
     std::vector<std::string> tree_pieces;
-    ref::Write(mirror, tree_format, tree_pieces);
+    ref::Write(c.mirror, tree_format, tree_pieces);
     ASSERT_EQ(document.str(), "<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\n" +
                                   ref::Join(tree_pieces));
   }
@@ -243,19 +254,13 @@ TEST(GeneratedTrees, Utf8RouteConvertsPieceByPiece) {
     }
     TreeGenerator generator(77);
     for (int n = 0; n < kTrees; ++n) {
-      ref::Node mirror;
-      std::unique_ptr<XMLElement> tree(generator.Element(mirror, 0));
-      const ref::Format start = generator.RandomFormat();
-      ref::Format end = start;
-      std::vector<std::string> pieces;
-      ref::Write(mirror, end, pieces);
-
-      ExportFormat format = ToExportFormat(start);
+      const TreeGenerator::Case tc = generator.NextCase();
+      ExportFormat format = ToExportFormat(tc.start);
       std::ostringstream os;
-      ASSERT_EQ(tree->ToStream(os, format, true), 0);
-      ASSERT_EQ(os.str(), ConvertiblePieces(pieces, c.converts))
+      ASSERT_EQ(tc.tree->ToStream(os, format, true), 0);
+      ASSERT_EQ(os.str(), ConvertiblePieces(tc.pieces, c.converts))
           << c.locale << " tree " << n;
-      ExpectSameState(format, end);
+      ExpectSameState(format, tc.end);
     }
   }
 }
