@@ -1,0 +1,447 @@
+#include "native/arima_element.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "modelapi/forecast_model.h"
+#include "support/arima_fixtures.h"
+#include "support/model_fixtures.h"
+#include "tree/dictionary_refs.h"
+
+namespace {
+
+using OstraTimeXML::XMLElement;
+using testing_support::Lines;
+using testing_support::Sequence;
+using testing_support::Text;
+
+constexpr double kMissing = MV::gMissingValue;
+
+// The text of the element for `spec`, or "null".
+std::string Build(const AMModelSpec& spec, const std::valarray<double>& params,
+                  const std::valarray<double>& stdErrors,
+                  const TSXDictionaryRefs& refs = TSXDictionaryRefs("M", "",
+                                                                    "y")) {
+  std::unique_ptr<XMLElement> element(
+      tsxml::MakeARIMAElement(spec, refs, params, stdErrors));
+  return element ? Text(*element) : "null";
+}
+
+TEST(ARIMAElementTest, ModelWithoutTermsHasAttributesOnly) {
+  EXPECT_EQ(
+      Build(AMModelSpec(), {}, {}),
+      Lines({"<ARIMAModel", "\tmodelName=\"M\"", "\tvariableID=\"y\"/>"}));
+
+  // All attributes in their order; differencing alone gives "Transformation".
+  AMModelSpec differenced;
+  differenced.SetSeasonLength(12);
+  differenced.SetYDiff(1, 0);
+  TSXDictionaryRefs refs("M", "D", "y");
+  refs.SetDateSpecID(3);
+  EXPECT_EQ(
+      Build(differenced, {}, {}, refs),
+      Lines({"<ARIMAModel", "\tmodelName=\"M\"", "\tmodelDescriptor=\"D\"",
+             "\tvariableID=\"y\"", "\tdateSpecID=\"3\"",
+             "\tseasonLength=\"12\">", "\t<Transformation",
+             "\t\tnonSeasonalDiff=\"1\"/>", "</ARIMAModel>"}));
+}
+
+TEST(ARIMAElementTest, SeasonalModelWithARLagsOneAndThree) {
+  AMModelSpec spec;
+  spec.SetSeasonLength(4);
+  spec.SetYDiff(0, 1);
+  spec.SetMeanYPresent(true);
+  spec.SetARStruct({3, 1}, {1});
+  spec.SetMAStruct({}, {2});
+  EXPECT_EQ(
+      Build(spec, {10.5, 0.5, -0.25, 0.75, 0.125}, {1.5, 0.1, 0.05, 0.2, 0.03}),
+      Lines({"<ARIMAModel",
+             "\tmodelName=\"M\"",
+             "\tvariableID=\"y\"",
+             "\tseasonLength=\"4\">",
+             "\t<Transformation",
+             "\t\tseasonalDiff=\"1\"/>",
+             "\t<ConstantTerm>",
+             "\t\t<EstimatedParameter>10.5 1.5</EstimatedParameter>",
+             "\t</ConstantTerm>",
+             "\t<Autoregression>",
+             "\t\t<NonSeasonalFactor>",
+             "\t\t\t<LagTerm",
+             "\t\t\t\tlag=\"1\">",
+             "\t\t\t\t<EstimatedParameter>0.5 0.1</EstimatedParameter>",
+             "\t\t\t</LagTerm>",
+             "\t\t\t<LagTerm",
+             "\t\t\t\tlag=\"3\">",
+             "\t\t\t\t<EstimatedParameter>-0.25 0.05</EstimatedParameter>",
+             "\t\t\t</LagTerm>",
+             "\t\t</NonSeasonalFactor>",
+             "\t\t<SeasonalFactor>",
+             "\t\t\t<LagTerm",
+             "\t\t\t\tlag=\"1\">",
+             "\t\t\t\t<EstimatedParameter>0.75 0.2</EstimatedParameter>",
+             "\t\t\t</LagTerm>",
+             "\t\t</SeasonalFactor>",
+             "\t</Autoregression>",
+             "\t<MovingAverage>",
+             "\t\t<SeasonalFactor>",
+             "\t\t\t<LagTerm",
+             "\t\t\t\tlag=\"2\">",
+             "\t\t\t\t<EstimatedParameter>0.125 0.03</EstimatedParameter>",
+             "\t\t\t</LagTerm>",
+             "\t\t</SeasonalFactor>",
+             "\t</MovingAverage>",
+             "</ARIMAModel>"}));
+}
+
+TEST(ARIMAElementTest, PredictorsWithTransferFunctions) {
+  AMModelSpec spec;
+  spec.SetSeasonLength(12);
+  AMPredictorSpec x1;
+  x1.transform = TSTransformSpec(BFSharedConst::SquareRoot);
+  x1.nonSeasonalDiff = 1;
+  x1.seasonalDiff = 1;
+  x1.delay = 2;
+  x1.numeratorNonSeasonal = {1, 2};
+  x1.numeratorSeasonal = {1};
+  x1.denominatorNonSeasonal = {1};
+  spec.AddPredictor(x1);
+  spec.AddPredictor(AMPredictorSpec());  // a plain regression
+  EXPECT_EQ(
+      Build(spec, {2.5, -0.5, 0.25, 0.1, 0.6, 1.75},
+            {0.5, 0.05, 0.025, 0.01, 0.06, 0.2},
+            TSXDictionaryRefs("M", "", "y", {"x1", "x2"})),
+      Lines({"<ARIMAModel",
+             "\tmodelName=\"M\"",
+             "\tvariableID=\"y\"",
+             "\tseasonLength=\"12\">",
+             "\t<PredictorEffect",
+             "\t\tvariableID=\"x1\">",
+             "\t\t<Transformation",
+             "\t\t\tfunction=\"squareRoot\"",
+             "\t\t\tnonSeasonalDiff=\"1\"",
+             "\t\t\tseasonalDiff=\"1\"",
+             "\t\t\tdelay=\"2\"/>",
+             "\t\t<Numerator>",
+             "\t\t\t<NonSeasonalFactor>",
+             "\t\t\t\t<ZeroLagTerm>",
+             "\t\t\t\t\t<EstimatedParameter>2.5 0.5</EstimatedParameter>",
+             "\t\t\t\t</ZeroLagTerm>",
+             "\t\t\t\t<LagTerm",
+             "\t\t\t\t\tlag=\"1\">",
+             "\t\t\t\t\t<EstimatedParameter>-0.5 0.05</EstimatedParameter>",
+             "\t\t\t\t</LagTerm>",
+             "\t\t\t\t<LagTerm",
+             "\t\t\t\t\tlag=\"2\">",
+             "\t\t\t\t\t<EstimatedParameter>0.25 0.025</EstimatedParameter>",
+             "\t\t\t\t</LagTerm>",
+             "\t\t\t</NonSeasonalFactor>",
+             "\t\t\t<SeasonalFactor>",
+             "\t\t\t\t<LagTerm",
+             "\t\t\t\t\tlag=\"1\">",
+             "\t\t\t\t\t<EstimatedParameter>0.1 0.01</EstimatedParameter>",
+             "\t\t\t\t</LagTerm>",
+             "\t\t\t</SeasonalFactor>",
+             "\t\t</Numerator>",
+             "\t\t<Denominator>",
+             "\t\t\t<NonSeasonalFactor>",
+             "\t\t\t\t<LagTerm",
+             "\t\t\t\t\tlag=\"1\">",
+             "\t\t\t\t\t<EstimatedParameter>0.6 0.06</EstimatedParameter>",
+             "\t\t\t\t</LagTerm>",
+             "\t\t\t</NonSeasonalFactor>",
+             "\t\t</Denominator>",
+             "\t</PredictorEffect>",
+             "\t<PredictorEffect",
+             "\t\tvariableID=\"x2\">",
+             "\t\t<Numerator>",
+             "\t\t\t<NonSeasonalFactor>",
+             "\t\t\t\t<ZeroLagTerm>",
+             "\t\t\t\t\t<EstimatedParameter>1.75 0.2</EstimatedParameter>",
+             "\t\t\t\t</ZeroLagTerm>",
+             "\t\t\t</NonSeasonalFactor>",
+             "\t\t</Numerator>",
+             "\t</PredictorEffect>",
+             "</ARIMAModel>"}));
+}
+
+TEST(ARIMAElementTest, EveryOutlierTypeAndSkippedTypes) {
+  AMModelSpec spec;
+  spec.SetOutliers({
+      TSOutlierSpec(TSOutlierSpec::Additive, 5),
+      TSOutlierSpec(TSOutlierSpec::None, 6),  // no parameter, no element
+      TSOutlierSpec(TSOutlierSpec::LevelShift, 7),
+      TSOutlierSpec(TSOutlierSpec::Transient, 8),
+      TSOutlierSpec(9, 9),  // unknown: its parameter is passed over
+      TSOutlierSpec(TSOutlierSpec::SeasonalAdditive, 10),
+      TSOutlierSpec(TSOutlierSpec::LocalTrend, 11),
+      TSOutlierSpec(TSOutlierSpec::Innovational, 12),
+      TSOutlierSpec(TSOutlierSpec::VarianceChange, 5000000000),
+  });
+  ASSERT_EQ(spec.GetParameterCount(true), 9u);
+  EXPECT_EQ(Build(spec, Sequence(9, 1, 1), Sequence(9, 0.1, 0.1)),
+            Lines({"<ARIMAModel",
+                   "\tmodelName=\"M\"",
+                   "\tvariableID=\"y\">",
+                   "\t<OutlierEffect",
+                   "\t\ttype=\"additive\"",
+                   "\t\tstartIndex=\"5\">",
+                   "\t\t<EstimatedParameter>1 0.1</EstimatedParameter>",
+                   "\t</OutlierEffect>",
+                   "\t<OutlierEffect",
+                   "\t\ttype=\"level\"",
+                   "\t\tstartIndex=\"7\">",
+                   "\t\t<EstimatedParameter>2 0.2</EstimatedParameter>",
+                   "\t</OutlierEffect>",
+                   "\t<OutlierEffect",
+                   "\t\ttype=\"transient\"",
+                   "\t\tstartIndex=\"8\">",
+                   "\t\t<EstimatedParameter>3 0.3</EstimatedParameter>",
+                   "\t\t<EstimatedParameter>4 0.4</EstimatedParameter>",
+                   "\t</OutlierEffect>",
+                   "\t<OutlierEffect",
+                   "\t\ttype=\"seasonalAdditive\"",
+                   "\t\tstartIndex=\"10\">",
+                   "\t\t<EstimatedParameter>6 0.6</EstimatedParameter>",
+                   "\t</OutlierEffect>",
+                   "\t<OutlierEffect",
+                   "\t\ttype=\"trend\"",
+                   "\t\tstartIndex=\"11\">",
+                   "\t\t<EstimatedParameter>7 0.7</EstimatedParameter>",
+                   "\t</OutlierEffect>",
+                   "\t<OutlierEffect",
+                   "\t\ttype=\"innovational\"",
+                   "\t\tstartIndex=\"12\">",
+                   "\t\t<EstimatedParameter>8 0.8</EstimatedParameter>",
+                   "\t</OutlierEffect>",
+                   "\t<OutlierEffect",
+                   "\t\ttype=\"varianceChange\"",
+                   "\t\tstartIndex=\"5000000000\">",
+                   "\t\t<EstimatedParameter>9 0.9</EstimatedParameter>",
+                   "\t</OutlierEffect>",
+                   "</ARIMAModel>"}));
+}
+
+// Constant at 0, AR lag 1 at 1, MA lags 1 and 2 at 2 and 3, and a transient
+// outlier at 4 and 5.
+AMModelSpec ShortVectorSpec() {
+  AMModelSpec spec;
+  spec.SetMeanYPresent(true);
+  spec.SetARStruct({1}, {});
+  spec.SetMAStruct({1, 2}, {});
+  spec.SetOutliers({TSOutlierSpec(TSOutlierSpec::Transient, 3)});
+  return spec;
+}
+
+const char* const kHead[] = {"<ARIMAModel", "\tmodelName=\"M\"",
+                             "\tvariableID=\"y\">"};
+
+TEST(ARIMAElementTest, ShortErrorsGiveOneNumberPerEstimateOfTheGroup) {
+  // The errors end inside the MA group and before the constant's count:
+  // the constant, both MA terms and the outlier get the estimate alone,
+  // though the first MA position lies within the errors.
+  EXPECT_EQ(
+      Build(ShortVectorSpec(), {5, 0.5, 0.25, -0.125, 2, 0.5}, {1, 0.1, 0.2}),
+      Lines({kHead[0],
+             kHead[1],
+             kHead[2],
+             "\t<ConstantTerm>",
+             "\t\t<EstimatedParameter>5</EstimatedParameter>",
+             "\t</ConstantTerm>",
+             "\t<Autoregression>",
+             "\t\t<NonSeasonalFactor>",
+             "\t\t\t<LagTerm",
+             "\t\t\t\tlag=\"1\">",
+             "\t\t\t\t<EstimatedParameter>0.5 0.1</EstimatedParameter>",
+             "\t\t\t</LagTerm>",
+             "\t\t</NonSeasonalFactor>",
+             "\t</Autoregression>",
+             "\t<MovingAverage>",
+             "\t\t<NonSeasonalFactor>",
+             "\t\t\t<LagTerm",
+             "\t\t\t\tlag=\"1\">",
+             "\t\t\t\t<EstimatedParameter>0.25</EstimatedParameter>",
+             "\t\t\t</LagTerm>",
+             "\t\t\t<LagTerm",
+             "\t\t\t\tlag=\"2\">",
+             "\t\t\t\t<EstimatedParameter>-0.125</EstimatedParameter>",
+             "\t\t\t</LagTerm>",
+             "\t\t</NonSeasonalFactor>",
+             "\t</MovingAverage>",
+             "\t<OutlierEffect",
+             "\t\ttype=\"transient\"",
+             "\t\tstartIndex=\"3\">",
+             "\t\t<EstimatedParameter>2</EstimatedParameter>",
+             "\t\t<EstimatedParameter>0.5</EstimatedParameter>",
+             "\t</OutlierEffect>",
+             "</ARIMAModel>"}));
+}
+
+TEST(ARIMAElementTest, ShortEstimatesKeepTheTermsEmpty) {
+  // The estimates end inside the MA group: the constant and the MA terms
+  // keep their elements without estimates, and so does the outlier; the
+  // AR group ends in time. A missing estimate empties its term alone.
+  EXPECT_EQ(Build(ShortVectorSpec(), {5, kMissing, 0.25},
+                  {1, 0.1, 0.2, 0.3, 0.4, 0.5}),
+            Lines({kHead[0],
+                   kHead[1],
+                   kHead[2],
+                   "\t<ConstantTerm/>",
+                   "\t<Autoregression>",
+                   "\t\t<NonSeasonalFactor>",
+                   "\t\t\t<LagTerm",
+                   "\t\t\t\tlag=\"1\"/>",
+                   "\t\t</NonSeasonalFactor>",
+                   "\t</Autoregression>",
+                   "\t<MovingAverage>",
+                   "\t\t<NonSeasonalFactor>",
+                   "\t\t\t<LagTerm",
+                   "\t\t\t\tlag=\"1\"/>",
+                   "\t\t\t<LagTerm",
+                   "\t\t\t\tlag=\"2\"/>",
+                   "\t\t</NonSeasonalFactor>",
+                   "\t</MovingAverage>",
+                   "\t<OutlierEffect",
+                   "\t\ttype=\"transient\"",
+                   "\t\tstartIndex=\"3\"/>",
+                   "</ARIMAModel>"}));
+}
+
+TEST(ARIMAElementTest, PredictorNamesMustMatchThePredictors) {
+  AMModelSpec spec;
+  spec.SetXCount(1);
+  EXPECT_EQ(Build(spec, {1}, {}, TSXDictionaryRefs("M", "", "y")), "null");
+  EXPECT_EQ(Build(spec, {1}, {}, TSXDictionaryRefs("M", "", "y", {"a", "b"})),
+            "null");
+  EXPECT_NE(Build(spec, {1}, {}, TSXDictionaryRefs("M", "", "y", {"a"})),
+            "null");
+}
+
+TEST(ARIMAElementTest, PositionsWrapInThirtyTwoBits) {
+  // A group that starts at the last 32-bit position ends, wrapped, at 1: its
+  // first term lies outside the vector and stays empty, the next one reads
+  // position 0. An outlier with a huge parameter count reads what lies in
+  // the vector and stops.
+  AMModelSpec spec;
+  spec.SetARStruct({1, 2}, {});
+  TSOutlierSpec huge(TSOutlierSpec::Additive, 2);
+  huge.SetParameterCount(UINT_MAX);
+  spec.SetOutliers({TSOutlierSpec(TSOutlierSpec::Transient, 1), huge});
+  spec.SetARPosition(UINT_MAX);
+  spec.SetOutlierParmIndex(UINT_MAX);
+  spec.SetParameterCount(2);
+  EXPECT_EQ(Build(spec, {0.5, 0.75}, {0.1, 0.2}),
+            Lines({kHead[0],
+                   kHead[1],
+                   kHead[2],
+                   "\t<Autoregression>",
+                   "\t\t<NonSeasonalFactor>",
+                   "\t\t\t<LagTerm",
+                   "\t\t\t\tlag=\"1\"/>",
+                   "\t\t\t<LagTerm",
+                   "\t\t\t\tlag=\"2\">",
+                   "\t\t\t\t<EstimatedParameter>0.5 0.1</EstimatedParameter>",
+                   "\t\t\t</LagTerm>",
+                   "\t\t</NonSeasonalFactor>",
+                   "\t</Autoregression>",
+                   "\t<OutlierEffect",
+                   "\t\ttype=\"transient\"",
+                   "\t\tstartIndex=\"1\">",
+                   "\t\t<EstimatedParameter>0.5 0.1</EstimatedParameter>",
+                   "\t</OutlierEffect>",
+                   "\t<OutlierEffect",
+                   "\t\ttype=\"additive\"",
+                   "\t\tstartIndex=\"2\">",
+                   "\t\t<EstimatedParameter>0.75 0.2</EstimatedParameter>",
+                   "\t</OutlierEffect>",
+                   "</ARIMAModel>"}));
+}
+
+TEST(LagFactorsTest, NumeratorAlwaysHasAZeroLagTermAndDenominatorMayBeEmpty) {
+  std::unique_ptr<XMLElement> parent(XMLElement::Create("P"));
+  EXPECT_FALSE(tsxml::AddLagFactors(*parent, AMPowers(), AMPowers(), false, 0,
+                                    {1}, {1}));
+  EXPECT_EQ(Text(*parent), "\n<P/>");
+  EXPECT_TRUE(
+      tsxml::AddLagFactors(*parent, AMPowers(), AMPowers(), true, 0, {}, {}));
+  EXPECT_EQ(Text(*parent),
+            Lines({"<P>", "\t<NonSeasonalFactor>", "\t\t<ZeroLagTerm/>",
+                   "\t</NonSeasonalFactor>", "</P>"}));
+}
+
+// A small deterministic generator for the structures below.
+class Lcg {
+ public:
+  explicit Lcg(uint32_t seed) : state_(seed) {}
+  unsigned Below(unsigned n) {
+    state_ = state_ * 1664525u + 1013904223u;
+    return (state_ >> 8) % n;
+  }
+  // Up to `max` distinct lags from 1..max.
+  AMPowers Lags(unsigned max) {
+    std::vector<unsigned> lags;
+    for (unsigned lag = 1; lag <= max; ++lag) {
+      if (Below(2)) lags.push_back(lag);
+    }
+    return AMPowers(lags);
+  }
+
+ private:
+  uint32_t state_;
+};
+
+// The texts of the "EstimatedParameter" elements, in document order.
+std::vector<std::string> EstimateTexts(const std::string& text) {
+  static const std::string kOpen = "<EstimatedParameter>";
+  std::vector<std::string> found;
+  for (size_t at = text.find(kOpen); at != std::string::npos;
+       at = text.find(kOpen, at)) {
+    at += kOpen.size();
+    found.push_back(text.substr(at, text.find('<', at) - at));
+  }
+  return found;
+}
+
+TEST(ARIMAElementTest, LaidOutParametersAppearInVectorOrder) {
+  // With the layout of the spec and the estimates 1..n (errors -1..-n), the
+  // document reads every parameter once, in vector order: the element order
+  // follows the layout order.
+  Lcg random(7);
+  for (int round = 0; round < 300; ++round) {
+    AMModelSpec spec;
+    spec.SetMeanYPresent(random.Below(2));
+    spec.SetARStruct(random.Lags(4), random.Lags(2));
+    spec.SetMAStruct(random.Lags(4), random.Lags(2));
+    std::vector<std::string> names;
+    for (unsigned i = random.Below(4); i > 0; --i) {
+      AMPredictorSpec x;
+      x.numeratorNonSeasonal = random.Lags(3);
+      x.numeratorSeasonal = random.Lags(2);
+      x.denominatorNonSeasonal = random.Lags(3);
+      x.denominatorSeasonal = random.Lags(2);
+      spec.AddPredictor(x);
+      names.push_back("x" + std::to_string(i));
+    }
+    TSOutlierSpecList outliers;
+    for (unsigned i = random.Below(5); i > 0; --i) {
+      outliers.Add(TSOutlierSpec(random.Below(8), i));
+    }
+    spec.SetOutliers(outliers);
+
+    const unsigned n = spec.GetParameterCount(true);
+    const std::vector<std::string> texts =
+        EstimateTexts(Build(spec, Sequence(n, 1, 1), Sequence(n, -1, -1),
+                            TSXDictionaryRefs("M", "", "y", names)));
+    ASSERT_EQ(texts.size(), n) << "round " << round;
+    for (unsigned k = 0; k < n; ++k) {
+      ASSERT_EQ(texts[k], std::to_string(k + 1) + " -" + std::to_string(k + 1))
+          << "round " << round;
+    }
+  }
+}
+
+}  // namespace

@@ -1,0 +1,93 @@
+// ARIMA and Croston models for tests.
+#ifndef TSXML_TESTS_SUPPORT_ARIMA_FIXTURES_H
+#define TSXML_TESTS_SUPPORT_ARIMA_FIXTURES_H
+
+#include <memory>
+#include <type_traits>
+#include <valarray>
+
+#include "modelapi/forecast_model.h"
+#include "support/model_fixtures.h"
+
+namespace testing_support {
+
+// n values: start, start + step, ...
+inline std::valarray<double> Sequence(size_t n, double start, double step) {
+  std::valarray<double> values(n);
+  for (size_t i = 0; i < n; ++i) values[i] = start + step * i;
+  return values;
+}
+
+// Every part an ARIMA model can have: season 12, log and both differences,
+// a constant, AR lags 1 and 2 with seasonal lag 1, seasonal MA lag 1, one
+// predictor with numerator lag 1 and denominator lag 1, and two outliers
+// (additive, transient). 11 parameters.
+inline AMModelSpec MakeFullARIMASpec() {
+  AMModelSpec spec;
+  spec.SetSeasonLength(12);
+  spec.SetYTransformSpec(TSTransformSpec(BFSharedConst::Logarithm));
+  spec.SetYDiff(1, 1);
+  spec.SetMeanYPresent(true);
+  spec.SetARStruct({1, 2}, {1});
+  spec.SetMAStruct({}, {1});
+  AMPredictorSpec x;
+  x.nonSeasonalDiff = 1;
+  x.delay = 1;
+  x.numeratorNonSeasonal = {1};
+  x.denominatorNonSeasonal = {1};
+  spec.AddPredictor(x);
+  spec.SetOutliers({TSOutlierSpec(TSOutlierSpec::Additive, 30),
+                    TSOutlierSpec(TSOutlierSpec::Transient, 41)});
+  return spec;
+}
+
+// A state of `State` for MakeFullARIMASpec() with every list filled.
+template <typename State>
+std::unique_ptr<State> MakeFullARIMAState() {
+  const AMModelSpec spec = MakeFullARIMASpec();
+  const unsigned count = spec.GetParameterCount(true);
+  auto state = std::make_unique<State>(spec, Sequence(count, 0.5, 0.25),
+                                       Sequence(count, 0.01, 0.01));
+  state->SetStateSpan(TSSpan(0, 60, 2));
+  state->SetActualZ({0.25, -0.5});
+  state->SetPredZ({0.125, -0.25});
+  state->SetXHistory(0, {3, 4}, {0.5, 0.75});
+  if constexpr (std::is_same_v<State, ARMAMLForecastState>) {
+    state->SetFinalOmega(DSymMat(2, {1, 0.5, 2}));
+    state->SetFinalStateV({0.25, 0.125});
+  } else {
+    state->SetActualN({0.1, -0.2});
+    state->SetPredN({0.05, 0.15});
+  }
+  if constexpr (std::is_same_v<State, ARMAMLSpForecastState>) {
+    state->SetFinalThetas({{0.5, 0.25}, {0.125}});
+    state->SetFinalNu({1.5, 1.25});
+    state->SetFinalIterCount(7);
+  }
+  return state;
+}
+
+template <typename State>
+TSFModel MakeFullARIMAModel(const EstimationInfo& info = BasicInfo()) {
+  return TSFModel(new TSFModelImp(MakeFullARIMAState<State>(), info));
+}
+
+// A simple smoothing state with level `level` and alpha `alpha` (0.05).
+inline ESForecastState MakeSubmodelState(double level, double alpha) {
+  return ESForecastState(ESModelSpec(ESModelSpec::ESSimple), {alpha}, {0.05},
+                         WIESSmState(level, 0.0));
+}
+
+// A Croston model of the three sub-models with levels 12.5, 3.25 and 4.
+inline TSFCrModel MakeCrostonModel(
+    unsigned function = BFSharedConst::NoTransform,
+    const EstimationInfo& info = BasicInfo()) {
+  return TSFCrModel(new TSFCrModelImp(
+      MakeSubmodelState(12.5, 0.2), MakeSubmodelState(3.25, 0.1),
+      MakeSubmodelState(4, 0.3), info,
+      static_cast<BFSharedConst::TSFunctionType>(function)));
+}
+
+}  // namespace testing_support
+
+#endif  // TSXML_TESTS_SUPPORT_ARIMA_FIXTURES_H
