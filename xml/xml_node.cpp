@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "xml/internal/document_output.h"
 #include "xml/internal/narrow_to_utf8.h"
 #include "xml/internal/node_writer.h"
 #include "xml/internal/output_buffer.h"
@@ -16,9 +17,6 @@ namespace {
 
 using internal::OutputBuffer;
 using internal::XMLNodeAccess;
-
-constexpr char kDeclarationLine[] =
-    "<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\n";
 
 int ClampedSize(std::size_t size) {
   return size > static_cast<std::size_t>(INT_MAX) ? INT_MAX
@@ -60,10 +58,9 @@ int WriteDocument(std::ostream& os, const XMLDocType* docType,
   exportFormat.SetFormat(format);
   if (docType != nullptr) {
     docType->ToStream(os, exportFormat, utf8);
-  } else if (utf8) {
-    WriteUTF(os, kDeclarationLine);
   } else {
-    Write(os, kDeclarationLine);
+    const std::string line = std::string(internal::kXMLDeclaration) + '\n';
+    utf8 ? WriteUTF(os, line) : Write(os, line);
   }
   if (root != nullptr) root->ToStream(os, exportFormat, utf8);
   return 0;

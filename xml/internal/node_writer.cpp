@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "xml/internal/document_output.h"
+
 namespace OstraTimeXML {
 namespace internal {
 namespace {
@@ -162,7 +164,8 @@ void XMLNodeAccess::WriteText(const XMLString& text, ExportFormat& format,
 }
 
 void XMLNodeAccess::WriteDocType(const XMLDocType& docType, OutputBuffer& out) {
-  out.WriteLiteral("<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\n<!DOCTYPE ");
+  out.Write(kXMLDeclaration, kXMLDeclarationLength);
+  out.WriteLiteral("\n<!DOCTYPE ");
   out.Write(docType.name_);
   out.WriteLiteral(" SYSTEM \"");
   out.Write(docType.systemId_);
