@@ -60,7 +60,11 @@ int WriteDocument(std::ostream& os, const XMLDocType* docType,
     docType->ToStream(os, exportFormat, utf8);
   } else {
     const std::string line = std::string(internal::kXMLDeclaration) + '\n';
-    utf8 ? WriteUTF(os, line) : Write(os, line);
+    if (utf8) {
+      WriteUTF(os, line);
+    } else {
+      Write(os, line);
+    }
   }
   if (root != nullptr) root->ToStream(os, exportFormat, utf8);
   return 0;
