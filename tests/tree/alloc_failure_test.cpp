@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "modelapi/forecast_model.h"
+#include "support/arima_fixtures.h"
 #include "support/failing_allocator.h"
 #include "support/model_fixtures.h"
 #include "tree/tsxml_tree.h"
@@ -16,7 +17,9 @@ namespace {
 using testing_support::BasicInfo;
 using testing_support::FailingAllocations;
 using testing_support::ForEachFailingAllocation;
+using testing_support::MakeCrostonModel;
 using testing_support::MakeESModel;
+using testing_support::MakeFullARIMAModel;
 using testing_support::MakeSimpleModel;
 using testing_support::ReservedBuffer;
 
@@ -47,14 +50,17 @@ TSXMLTree MakeTree(int count) {
   return tree;
 }
 
-TEST(AllocationFailureTest, AddModelTreeLeavesTheTreeUnchanged) {
-  TSXMLTree expected = MakeTree(2);
+// Adds `model` to a tree of one model with every allocation failing in
+// turn: each failure leaves the tree as it was, and the run that completes
+// gives the tree with both models.
+template <typename Model>
+void CheckAddModelTree(const Model& model, const TSXDictionaryRefs& refs) {
+  TSXMLTree expected = MakeTree(1);
+  ASSERT_TRUE(expected.AddModelTree(model, refs));
   const std::string expectedText = WriteAll(expected);
   TSXMLTree unchanged = MakeTree(1);
   const std::string unchangedText = WriteAll(unchanged);
 
-  const TSFModel model = MakeSeasonalModel();
-  const TSXDictionaryRefs refs("M", "", "y");
   const long failures = ForEachFailingAllocation([&](long n) {
     TSXMLTree tree = MakeTree(1);
     try {
@@ -72,19 +78,23 @@ TEST(AllocationFailureTest, AddModelTreeLeavesTheTreeUnchanged) {
   EXPECT_GT(failures, 10);
 }
 
-TEST(AllocationFailureTest, WriteToStreamLeavesTheTreeUnchanged) {
-  TSXMLTree reference = MakeTree(2);
+// Writes the tree that `make` gives, of `count` models, with every
+// allocation failing in turn: each failure keeps the models for a later
+// write, and the run that completes writes the whole document.
+template <typename MakeTreeFunction>
+void CheckWriteToStream(MakeTreeFunction make, int count) {
+  TSXMLTree reference = make();
   const std::string expectedText = WriteAll(reference);
 
   const long failures = ForEachFailingAllocation([&](long n) {
-    TSXMLTree tree = MakeTree(2);
+    TSXMLTree tree = make();
     ReservedBuffer buffer(1 << 20);
     std::ostream out(&buffer);
     try {
       FailingAllocations armed(n);
       EXPECT_TRUE(tree.WriteToStream(out));
     } catch (const std::bad_alloc&) {
-      EXPECT_EQ(tree.GetModelCount(), 2);
+      EXPECT_EQ(tree.GetModelCount(), count);
       EXPECT_EQ(WriteAll(tree), expectedText);
       return false;
     }
@@ -93,6 +103,39 @@ TEST(AllocationFailureTest, WriteToStreamLeavesTheTreeUnchanged) {
     return true;
   });
   EXPECT_GT(failures, 3);
+}
+
+TEST(AllocationFailureTest, AddModelTreeLeavesTheTreeUnchanged) {
+  CheckAddModelTree(MakeSeasonalModel(), TSXDictionaryRefs("M", "", "y"));
+}
+
+TEST(AllocationFailureTest, AddARIMAModelWithEveryPart) {
+  const TSXDictionaryRefs refs("A", "d", "y", {"x"});
+  CheckAddModelTree(MakeFullARIMAModel<ARMACLSForecastState>(), refs);
+  CheckAddModelTree(MakeFullARIMAModel<ARMAMLForecastState>(), refs);
+  CheckAddModelTree(MakeFullARIMAModel<ARMAMLSpForecastState>(), refs);
+}
+
+TEST(AllocationFailureTest, AddCrostonModel) {
+  CheckAddModelTree(MakeCrostonModel(BFSharedConst::Logarithm),
+                    TSXDictionaryRefs("C", "", "demand"));
+}
+
+TEST(AllocationFailureTest, WriteToStreamLeavesTheTreeUnchanged) {
+  CheckWriteToStream([] { return MakeTree(2); }, 2);
+}
+
+TEST(AllocationFailureTest, WriteARIMAAndCrostonModels) {
+  CheckWriteToStream(
+      [] {
+        TSXMLTree tree = MakeTree(1);
+        tree.AddModelTree(MakeFullARIMAModel<ARMAMLSpForecastState>(),
+                          TSXDictionaryRefs("A", "", "y", {"x"}));
+        tree.AddModelTree(MakeCrostonModel(),
+                          TSXDictionaryRefs("C", "", "demand"));
+        return tree;
+      },
+      3);
 }
 
 }  // namespace
