@@ -38,12 +38,20 @@ void TSXMLTree::SetPMMLOutput(bool on) {
   if (imp_) imp_->SetPMMLOutputFlag(on);
 }
 
+void TSXMLTree::SetESPMMLOutputTimeValue(bool on) {
+  if (imp_) imp_->SetESPMMLOutputTimeValue(on);
+}
+
 bool TSXMLTree::AddModelTree(TSFModel model, const TSXDictionaryRefs& refs) {
   return imp_ && imp_->AddModelTree(model, refs);
 }
 
 bool TSXMLTree::AddModelTree(TSFCrModel model, const TSXDictionaryRefs& refs) {
   return imp_ && imp_->AddModelTree(model, refs);
+}
+
+int TSXMLTree::AddDateSpec(const TSXDateSpec& spec, std::string descriptor) {
+  return imp_ ? imp_->AddDateSpec(spec, std::move(descriptor)) : 0;
 }
 
 int TSXMLTree::GetModelCount() const {

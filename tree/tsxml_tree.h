@@ -14,6 +14,7 @@
 
 #include "modelapi/croston_model.h"
 #include "modelapi/model.h"
+#include "datespec/date_spec.h"
 #include "tree/dictionary_refs.h"
 #include "tsxml_export.h"
 
@@ -39,20 +40,30 @@ class TSXML_API TSXMLTree {
 
   // Selects PMML output for the models added and the write that follow.
   void SetPMMLOutput(bool on);
+  // Whether exponential smoothing models added in PMML mode from now on carry
+  // their observed series ("TimeSeries"); on by default.
+  void SetESPMMLOutputTimeValue(bool on);
 
   // Adds a fitted model; false when the references don't fit the model or
-  // the model can't be written. A failed add leaves the tree unchanged.
+  // the model can't be written. A failed add leaves the tree unchanged. In
+  // PMML mode every model is taken (true) and the references aren't checked.
   bool AddModelTree(TSFModel model, const TSXDictionaryRefs& refs);
   // Adds a Croston model to the native document whatever the output mode;
   // false, with the tree unchanged, when the references fail (they must name
   // no predictor) or the handle is empty.
   bool AddModelTree(TSFCrModel model, const TSXDictionaryRefs& refs);
 
+  // Registers a date specification (a deep copy) and returns the identifier
+  // to give TSXDictionaryRefs::SetDateSpecID; an equivalent specification
+  // registered before keeps its identifier and descriptor. 0 on a null handle.
+  int AddDateSpec(const TSXDateSpec& spec, std::string descriptor);
+
   // The number of models waiting for a native write.
   int GetModelCount() const;
 
-  // Writes the whole document; false when there is nothing to write. The
-  // stream's state is not examined.
+  // Writes the whole document; false when there is nothing to write. In PMML
+  // mode always true: the document is written also without models, and a
+  // later write repeats it. The stream's state is not examined.
   bool WriteToStream(std::ostream& os);
 
  private:

@@ -6,6 +6,8 @@
 
 #include "modelapi/forecast_state.h"
 #include "native/croston_element.h"
+#include "native/date_spec_element.h"
+#include "pmml/pmml_document.h"
 #include "tree/document_root.h"
 #include "tree/model_xml_tree_maker.h"
 #include "xml/internal/document_output.h"
@@ -17,7 +19,8 @@ using OstraTimeXML::internal::ChildLoan;
 using OstraTimeXML::internal::kXMLDeclaration;
 using OstraTimeXML::internal::kXMLDeclarationLength;
 
-TSXMLTreeImp::TSXMLTreeImp() = default;
+TSXMLTreeImp::TSXMLTreeImp()
+    : pmmlDocument_(std::make_unique<tsxml::TSXPMMLDocument>()) {}
 
 TSXMLTreeImp::~TSXMLTreeImp() {
   for (XMLElement* model : models_) delete model;
@@ -36,8 +39,17 @@ void TSXMLTreeImp::SetApplication(std::string name, std::string version,
   applicationCopyright_ = std::move(copyright);
 }
 
+void TSXMLTreeImp::SetESPMMLOutputTimeValue(bool on) {
+  pmmlDocument_->SetESPMMLOutputTimeValue(on);
+}
+
 bool TSXMLTreeImp::AddModelTree(TSFModel model, const TSXDictionaryRefs& refs) {
-  if (statXMLOutput_ || pmmlOutput_) return false;
+  if (statXMLOutput_) return false;
+  if (pmmlOutput_) {
+    std::valarray<double> history;
+    if (!model.IsEmpty()) history = model.GetImp()->GetHistoryData();
+    return AddPMMLModelTree(model, refs, &history);
+  }
   return AddXMLModelTree(model, refs);
 }
 
@@ -46,8 +58,22 @@ int TSXMLTreeImp::GetModelCount() const {
 }
 
 bool TSXMLTreeImp::WriteToStream(std::ostream& os, bool complete) {
-  if (statXMLOutput_ || pmmlOutput_) return false;
+  if (statXMLOutput_) return false;
+  if (pmmlOutput_) return WritePMMLToStream(os, complete);
   return WriteXMLToStream(os, complete);
+}
+
+bool TSXMLTreeImp::AddPMMLModelTree(TSFModel& model,
+                                    const TSXDictionaryRefs& refs,
+                                    std::valarray<double>* history) {
+  return pmmlDocument_->AddModel(model, refs,
+                                 history ? *history : std::valarray<double>());
+}
+
+bool TSXMLTreeImp::WritePMMLToStream(std::ostream& os, bool complete) {
+  pmmlDocument_->SetApplication(applicationName_, applicationVersion_,
+                                applicationCopyright_);
+  return pmmlDocument_->Write(os, complete, nullptr);
 }
 
 bool TSXMLTreeImp::AddXMLModelTree(TSFModel& model,
@@ -84,9 +110,29 @@ bool TSXMLTreeImp::AddModelTree(TSFCrModel model,
 }
 
 void TSXMLTreeImp::AppendModel(std::unique_ptr<XMLElement> element,
-                               const TSXDictionaryRefs&, unsigned int) {
+                               const TSXDictionaryRefs& refs,
+                               unsigned int index) {
   models_.push_back(element.get());
   element.release();
+  if (refs.GetDateSpecID() != 0) dateSpecs_[index].used = true;
+}
+
+int TSXMLTreeImp::AddDateSpec(const TSXDateSpec& spec, std::string descriptor) {
+  int largest = 0;
+  int id = 0;
+  for (const TSXDateSpecEntry& entry : dateSpecs_) {
+    if (spec.IsEquivalent(entry.spec, true)) {
+      id = entry.id;
+      break;
+    }
+    if (entry.id > largest) largest = entry.id;
+  }
+  if (id == 0) {
+    dateSpecs_.push_back(TSXDateSpecEntry{spec, largest + 1,
+                                          std::move(descriptor), false});
+    id = largest + 1;
+  }
+  return id;
 }
 
 bool TSXMLTreeImp::CheckDictRefs(const TSFModel* model,
@@ -96,7 +142,15 @@ bool TSXMLTreeImp::CheckDictRefs(const TSFModel* model,
   if (refs.GetModelName().empty() || refs.GetDependentVarID().empty()) {
     return false;
   }
-  if (refs.GetDateSpecID() != 0) return false;  // no date spec is registered
+  if (refs.GetDateSpecID() != 0) {
+    size_t position = 0;
+    while (position < dateSpecs_.size() &&
+           dateSpecs_[position].id != refs.GetDateSpecID()) {
+      ++position;
+    }
+    if (position == dateSpecs_.size()) return false;
+    index = static_cast<unsigned int>(position);
+  }
   const size_t predictors = model ? model->GetPredictorCount() : 0;
   if (refs.GetPredictorIDs().size() != predictors) return false;
   for (const std::string& id : refs.GetPredictorIDs()) {
@@ -118,6 +172,12 @@ bool TSXMLTreeImp::WriteXMLToStream(std::ostream& os, bool complete) {
   std::unique_ptr<XMLElement> root(
       tsxml::MakeDocumentRoot(applicationName_, applicationVersion_));
   std::unique_ptr<XMLElement> dictionary(XMLElement::Create("DataDictionary"));
+  for (const TSXDateSpecEntry& entry : dateSpecs_) {
+    if (!entry.used) continue;
+    std::unique_ptr<XMLElement> dateSpec(tsxml::MakeDateSpecificationElement(
+        entry.spec, entry.descriptor, entry.id));
+    dictionary->AddElement(dateSpec.release());
+  }
   root->AddElement(dictionary.release());
 
   ChildLoan loan(*root, models_);
@@ -126,5 +186,6 @@ bool TSXMLTreeImp::WriteXMLToStream(std::ostream& os, bool complete) {
   root->ToStream(os, format, false);
   loan.Keep();
   models_.clear();  // the root owns them now and deletes them with itself
+  dateSpecs_.clear();
   return true;
 }

@@ -5,19 +5,25 @@
 #ifndef TSXML_TREE_TSXML_TREE_IMP_H
 #define TSXML_TREE_TSXML_TREE_IMP_H
 
+#include <deque>
 #include <iosfwd>
 #include <memory>
 #include <string>
+#include <valarray>
 #include <vector>
 
 #include "modelapi/croston_model.h"
 #include "modelapi/model.h"
 #include "modelapi/ref_counted.h"
+#include "tree/date_spec_entry.h"
 #include "tree/dictionary_refs.h"
 #include "tsxml_export.h"
 
 namespace OstraTimeXML {
 class XMLElement;
+}
+namespace tsxml {
+class TSXPMMLDocument;
 }
 
 // Deleted by the last removeReference (TSXMLTree handles hold references).
@@ -32,10 +38,14 @@ class TSXML_API TSXMLTreeImp : public TSRCObject {
 
   void SetPMMLOutputFlag(bool on) { pmmlOutput_ = on; }
   bool GetPMMLOutputFlag() const { return pmmlOutput_; }
+  // Whether exponential smoothing models added to the PMML document from now
+  // on carry their observed series; on by default.
+  void SetESPMMLOutputTimeValue(bool on);
 
   // Adds by the mode in force; false, with the tree unchanged, when the
-  // model is refused. Models in PMML or StatXML mode are refused until those
-  // dialects are built in.
+  // model is refused. PMML mode takes every model (true) without checking
+  // the references, and GetModelCount doesn't count it. Models in StatXML
+  // mode are refused until that dialect is built in.
   bool AddModelTree(TSFModel model, const TSXDictionaryRefs& refs);
   // Adds a Croston model to the native models whatever the mode; PMML and
   // StatXML writes leave it out. False, with the tree unchanged, when the
@@ -43,13 +53,25 @@ class TSXML_API TSXMLTreeImp : public TSRCObject {
   bool AddModelTree(TSFCrModel model, const TSXDictionaryRefs& refs);
   int GetModelCount() const;
 
+  // Registers a date specification and returns its identifier: that of the
+  // first strictly equivalent entry (whose descriptor stays), or a new one,
+  // one above the largest so far.
+  int AddDateSpec(const TSXDateSpec& spec, std::string descriptor);
+
   // Writes by the mode in force. Native mode: false (nothing written) when no
   // model is waiting. `complete` false writes the bare model elements.
   bool WriteToStream(std::ostream& os, bool complete);
   bool WriteXMLToStream(std::ostream& os, bool complete);
+  // Writes the PMML document of every model added in PMML mode, also of none;
+  // the declaration only when `complete`. Always true. Repeatable: the tree
+  // keeps its models, and a second write gives the same document.
+  bool WritePMMLToStream(std::ostream& os, bool complete);
 
  private:
   bool AddXMLModelTree(TSFModel& model, const TSXDictionaryRefs& refs);
+  // Adds to the PMML document; `history` (null: none) is the observed series.
+  bool AddPMMLModelTree(TSFModel& model, const TSXDictionaryRefs& refs,
+                        std::valarray<double>* history);
   // Appends a finished model element (not null) to the native models; `index`
   // is the position of its date spec entry from CheckDictRefs.
   void AppendModel(std::unique_ptr<OstraTimeXML::XMLElement> element,
@@ -60,11 +82,13 @@ class TSXML_API TSXMLTreeImp : public TSRCObject {
                      unsigned int& index) const;
 
   std::vector<OstraTimeXML::XMLElement*> models_;
+  std::deque<TSXDateSpecEntry> dateSpecs_;
   std::string applicationName_;
   std::string applicationVersion_;
   std::string applicationCopyright_;
   bool pmmlOutput_ = false;
   bool statXMLOutput_ = false;
+  std::unique_ptr<tsxml::TSXPMMLDocument> pmmlDocument_;  // never null
 };
 
 #endif  // TSXML_TREE_TSXML_TREE_IMP_H
