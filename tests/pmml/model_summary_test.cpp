@@ -1,0 +1,174 @@
+#include "pmml/model_summary.h"
+
+#include <gtest/gtest.h>
+
+#include <valarray>
+#include <vector>
+
+#include "modelapi/forecast_model.h"
+#include "modelapi/stat_util.h"
+#include "support/model_fixtures.h"
+#include "tree/dictionary_refs.h"
+
+namespace {
+
+using testing_support::BasicInfo;
+using testing_support::MakeESModel;
+using tsxml::TSXModelSummary;
+
+constexpr double kMissing = MV::gMissingValue;
+
+// Every statistic set to a distinct value, so that a mixed-up key shows.
+EstimationInfo FullInfo() {
+  EstimationInfo info = BasicInfo(0, 40, 37, 2.5);
+  const BFSharedConst::GOFStatType types[] = {
+      BFSharedConst::MSE, BFSharedConst::RMSE,   BFSharedConst::MAPE,
+      BFSharedConst::MAE, BFSharedConst::MAXAPE, BFSharedConst::MAXAE,
+      BFSharedConst::RSQ, BFSharedConst::NRMBIC, BFSharedConst::LOGLK,
+      BFSharedConst::AIC, BFSharedConst::BIC,    BFSharedConst::SRSQ};
+  for (const BFSharedConst::GOFStatType type : types) {
+    info.SetGOFStat(type, 100 + type);
+  }
+  info.SetLBStat(12.5, 18, 16, 0.75);
+  return info;
+}
+
+TSFModel WintersModel(const EstimationInfo& info) {
+  return MakeESModel(ESModelSpec(ESModelSpec::ESAdditiveWinters, 4),
+                     {0.5, 0.25, 0.125}, {0.1, 0.05, 0.0},
+                     WIESSmState(10, 1, 2, {1, 2, 3, 4}), info, {5, 6, 7});
+}
+
+TEST(ModelSummaryTest, FillReadsEveryStatisticByItsKey) {
+  TSXModelSummary summary;
+  const TSFModel model = WintersModel(FullInfo());
+  summary.Fill(model, TSXDictionaryRefs("N", "D", "y"), {5, 6, 7});
+  EXPECT_EQ(summary.modelName, "N");
+  EXPECT_EQ(summary.modelDescriptor, "D");
+  EXPECT_EQ(summary.dependentVarID, "y");
+  EXPECT_EQ(summary.model.GetImp(), model.GetImp());
+  const double got[] = {summary.mse,           summary.rmse,
+                        summary.mape,          summary.mae,
+                        summary.maxAPE,        summary.maxAE,
+                        summary.rSquared,      summary.normalizedBIC,
+                        summary.logLikelihood, summary.stationaryRSquared,
+                        summary.aic,           summary.bic};
+  const double expected[] = {100, 101, 102, 103, 104, 105,
+                             106, 107, 109, 116, 114, 115};
+  for (size_t i = 0; i < 12; ++i) EXPECT_EQ(got[i], expected[i]) << i;
+  EXPECT_EQ(summary.ljungBoxQ, 12.5);
+  EXPECT_EQ(summary.ljungBoxCount, 18);
+  EXPECT_EQ(summary.ljungBoxSig, 0.75);
+  ASSERT_EQ(summary.history.size(), 3u);
+  EXPECT_EQ(summary.history[2], 7);
+}
+
+TEST(ModelSummaryTest, RowsFollowTheKindsOfEachModelType) {
+  const std::vector<int32_t> kinds[] = {{0, 1, 2}, {0},    {0, 1, 3}, {0, 1},
+                                        {0, 1, 2}, {0, 2}, {0}};
+  for (int type = 0; type < 7; ++type) {
+    // Estimates 0.1, 0.2, ... and standard errors 0.01, 0.02, ... in
+    // parameter order, so that each row shows which position it read.
+    const ESModelSpec spec(type, 4);
+    const unsigned count = spec.GetParameterCount(true);
+    std::valarray<double> estimates(count), errors(count);
+    for (unsigned i = 0; i < count; ++i) {
+      estimates[i] = 0.1 * (i + 1);
+      errors[i] = 0.01 * (i + 1);
+    }
+    TSXModelSummary summary;
+    summary.Fill(MakeESModel(spec, estimates, errors,
+                             WIESSmState(1, 1, 0, {1, 2, 3, 4})),
+                 TSXDictionaryRefs(), {});
+    ASSERT_EQ(summary.esParameterKinds, kinds[type]) << type;
+    ASSERT_EQ(summary.esParameterRows.size(), kinds[type].size());
+    for (size_t i = 0; i < kinds[type].size(); ++i) {
+      const int position = spec.GetESParameterIndex(kinds[type][i]);
+      const std::vector<double>& row = summary.esParameterRows[i];
+      ASSERT_EQ(row.size(), 4u);
+      EXPECT_EQ(row[TSXModelSummary::kEstimate], estimates[position]);
+      EXPECT_EQ(row[TSXModelSummary::kStdError], errors[position]);
+      EXPECT_DOUBLE_EQ(row[TSXModelSummary::kTStatistic], 10.0);
+    }
+  }
+}
+
+TEST(ModelSummaryTest, TStatisticAndSignificance) {
+  // Estimates 2 and -2 with one standard error: a t statistic of 2 and its
+  // negative twin share one significance; a standard error of 0 or a missing
+  // one leaves both missing and keeps the estimate.
+  ESModelSpec spec(ESModelSpec::ESAdditiveWinters, 4);
+  TSXModelSummary summary;
+  summary.Fill(MakeESModel(spec, {2, -2, 0.5}, {1, 1, 0},
+                           WIESSmState(1, 1, 0, {1, 2, 3, 4})),
+               TSXDictionaryRefs(), {});
+  const auto& rows = summary.esParameterRows;
+  ASSERT_EQ(rows.size(), 3u);
+  EXPECT_EQ(rows[0][TSXModelSummary::kTStatistic], 2);
+  EXPECT_EQ(rows[1][TSXModelSummary::kTStatistic], -2);
+  EXPECT_EQ(rows[0][TSXModelSummary::kSignificance],
+            rows[1][TSXModelSummary::kSignificance]);
+  const double c = TSStatUtil::CDFStudentsT(-2, 23);
+  EXPECT_EQ(rows[0][TSXModelSummary::kSignificance],
+            MV::IsMissing(c) ? kMissing : 2 * c);
+  EXPECT_EQ(rows[2], (std::vector<double>{0.5, 0, kMissing, kMissing}));
+
+  summary.Fill(MakeESModel(ESModelSpec(ESModelSpec::ESSimple), {0.5}, {},
+                           WIESSmState(1, 0)),
+               TSXDictionaryRefs(), {});
+  ASSERT_EQ(summary.esParameterRows.size(), 1u);
+  EXPECT_EQ(summary.esParameterRows[0],
+            (std::vector<double>{0.5, kMissing, kMissing, kMissing}));
+}
+
+TEST(ModelSummaryTest, EmptyModelChangesOnlyTheNames) {
+  TSXModelSummary summary;
+  const TSFModel model = WintersModel(FullInfo());
+  summary.Fill(model, TSXDictionaryRefs("N", "D", "y"), {5, 6, 7});
+  summary.Fill(TSFModel(), TSXDictionaryRefs("M", "", "z"), {1});
+  EXPECT_EQ(summary.modelName, "M");
+  EXPECT_EQ(summary.modelDescriptor, "");
+  EXPECT_EQ(summary.dependentVarID, "z");
+  EXPECT_EQ(summary.model.GetImp(), model.GetImp());
+  EXPECT_EQ(summary.rmse, 101);
+  EXPECT_EQ(summary.history.size(), 3u);
+  EXPECT_EQ(summary.esParameterRows.size(), 3u);
+}
+
+TEST(ModelSummaryTest, SecondModelOverwritesEveryField) {
+  TSXModelSummary summary;
+  summary.Fill(WintersModel(FullInfo()), TSXDictionaryRefs("N", "D", "y"),
+               {5, 6, 7});
+  const TSFModel simple = MakeESModel(ESModelSpec(ESModelSpec::ESSimple),
+                                      {0.75}, {0.25}, WIESSmState(3, 0));
+  summary.Fill(simple, TSXDictionaryRefs("S", "", "s"), {});
+  EXPECT_EQ(summary.model.GetImp(), simple.GetImp());
+  EXPECT_EQ(summary.rmse, kMissing);
+  EXPECT_EQ(summary.aic, kMissing);
+  EXPECT_EQ(summary.ljungBoxQ, kMissing);
+  EXPECT_EQ(summary.history.size(), 0u);
+  EXPECT_EQ(summary.esParameterKinds, std::vector<int32_t>{0});
+  ASSERT_EQ(summary.esParameterRows.size(), 1u);
+  EXPECT_EQ(summary.esParameterRows[0][TSXModelSummary::kEstimate], 0.75);
+}
+
+TEST(ModelSummaryTest, ARIMAModelHasNoRowsAndKeepsTheKinds) {
+  TSXModelSummary summary;
+  summary.Fill(WintersModel(FullInfo()), TSXDictionaryRefs(), {});
+  auto state = std::make_unique<ARMACLSForecastState>(AMModelSpec());
+  summary.Fill(TSFModel(new TSFModelImp(std::move(state), FullInfo())),
+               TSXDictionaryRefs(), {});
+  EXPECT_TRUE(summary.esParameterRows.empty());
+  EXPECT_EQ(summary.esParameterKinds, (std::vector<int32_t>{0, 1, 2}));
+}
+
+TEST(ModelSummaryTest, TypeOutsideTheTableHasNoKindsAndNoRows) {
+  TSXModelSummary summary;
+  summary.Fill(WintersModel(FullInfo()), TSXDictionaryRefs(), {});
+  summary.Fill(MakeESModel(ESModelSpec(9), {}, {}, WIESSmState(1, 1)),
+               TSXDictionaryRefs(), {});
+  EXPECT_TRUE(summary.esParameterKinds.empty());
+  EXPECT_TRUE(summary.esParameterRows.empty());
+}
+
+}  // namespace
