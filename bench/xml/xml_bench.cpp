@@ -1,6 +1,17 @@
 // Number text and serialisation speed.
 //
-// RESULTS
+// Measured on the 2-core development machine (g++ 12, Release, the machine
+// busy with other builds: CPU time, median of 5 repetitions):
+//
+//   Format/to_chars             176 ns per double   (the route in use)
+//   Format/ostringstream       1763 ns per double   (reference route)
+//   BM_FormatLong              24.6 ns
+//   BM_ToString                 695 MB/s   (1.56 MB document, 2.15 ms)
+//   BM_ToStreamNull/0 raw       812 MB/s   (null streambuf)
+//   BM_ToStreamNull/1 utf8      342 MB/s   (C.UTF-8 locale, every piece
+//                                           converted)
+//   BM_ToStreamOstringstream    782 MB/s
+//   BM_PutPerByte                84 MB/s   (same bytes, one put each)
 #include <benchmark/benchmark.h>
 
 #include <clocale>
@@ -127,6 +138,7 @@ void BM_ToString(benchmark::State& state) {
   }
   state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) *
                           static_cast<std::int64_t>(DocumentSize()));
+  state.counters["document_bytes"] = static_cast<double>(DocumentSize());
 }
 BENCHMARK(BM_ToString)->Unit(benchmark::kMillisecond);
 
@@ -146,6 +158,21 @@ void BM_ToStreamNull(benchmark::State& state) {
   state.SetLabel(utf8 ? "utf8, C.UTF-8 locale" : "raw");
 }
 BENCHMARK(BM_ToStreamNull)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+
+// For scale: the same bytes put one by one, as a per-byte writer would.
+void BM_PutPerByte(benchmark::State& state) {
+  ExportFormat format;
+  std::string text;
+  Document().ToString(text, format);
+  NullBuffer sink;
+  std::ostream os(&sink);
+  for (auto _ : state) {
+    for (char c : text) os.put(c);
+  }
+  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) *
+                          static_cast<std::int64_t>(text.size()));
+}
+BENCHMARK(BM_PutPerByte)->Unit(benchmark::kMillisecond);
 
 void BM_ToStreamOstringstream(benchmark::State& state) {
   for (auto _ : state) {
