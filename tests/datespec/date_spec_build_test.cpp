@@ -125,22 +125,16 @@ TEST(AddPeriod, FamiliesDontMix) {
                                DS::Month, DS::Week, DS::Second}) {
     EXPECT_TRUE(DS(first).AddPeriod(DS::Obs, 3, 0, 0).IsOK()) << first;
   }
-  DS sequence;
-  EXPECT_TRUE(sequence.AddPeriod(DS::Month, 12, 0, 0).IsOK());
-  EXPECT_TRUE(sequence.AddPeriod(DS::Day, 7, 0, 0).IsOK());
-  DS cycle_obs(DS::Cycle);
-  ASSERT_TRUE(cycle_obs.AddPeriod(DS::Obs, 3, 0, 0).IsOK());
-  ASSERT_TRUE(cycle_obs.AddPeriod(DS::Hour, 24, 0, 0).IsOK());
+  Nest(DS::SimpleSequence, {{DS::Month, 12, 0, 0}, {DS::Day, 7, 0, 0}});
+  DS cycle_obs = Nest(DS::Cycle, {{DS::Obs, 3, 0, 0}, {DS::Hour, 24, 0, 0}});
   ExpectAddPeriodRefused(cycle_obs, 40204, DS::Year, 5, 0, 0);
 }
 
 TEST(AddPeriod, QuarterAndMonthLinkInEitherOrder) {
-  DS quarter_first(DS::Year);
-  ASSERT_TRUE(quarter_first.AddPeriod(DS::Quarter, 4, 0, 0).IsOK());
-  ASSERT_TRUE(quarter_first.AddPeriod(DS::Month, 12, 0, 0).IsOK());
-  DS month_first(DS::Year);
-  ASSERT_TRUE(month_first.AddPeriod(DS::Month, 12, 0, 0).IsOK());
-  ASSERT_TRUE(month_first.AddPeriod(DS::Quarter, 4, 0, 0).IsOK());
+  const DS quarter_first =
+      Nest(DS::Year, {{DS::Quarter, 4, 0, 0}, {DS::Month, 12, 0, 0}});
+  const DS month_first =
+      Nest(DS::Year, {{DS::Month, 12, 0, 0}, {DS::Quarter, 4, 0, 0}});
   for (const DS* spec : {&quarter_first, &month_first}) {
     EXPECT_TRUE(Valid(*spec, {2001, 1, 4}));
     EXPECT_FALSE(Valid(*spec, {2001, 0, 3}));
@@ -175,10 +169,9 @@ TEST(AddPeriod, QuarterAndMonthMustFit) {
 }
 
 TEST(AddPeriod, InsertingBeforeALinkedPairMovesTheLink) {
-  DS spec(DS::Cycle);
-  ASSERT_TRUE(spec.AddPeriod(DS::Quarter, 4, 0, 0).IsOK());
-  ASSERT_TRUE(spec.AddPeriod(DS::Month, 12, 0, 0).IsOK());
-  ASSERT_TRUE(spec.AddPeriod(DS::Year, 3, 0, 0).IsOK());
+  const DS spec = Nest(
+      DS::Cycle,
+      {{DS::Quarter, 4, 0, 0}, {DS::Month, 12, 0, 0}, {DS::Year, 3, 0, 0}});
   EXPECT_TRUE(Valid(spec, {0, 2, 1, 5}));
   EXPECT_FALSE(Valid(spec, {0, 2, 2, 5}));
   EXPECT_EQ(Make(spec, {1, 2, 1, 5}).VirtualCaseOffset(), 3 * 12 + 2 * 12 + 5);
