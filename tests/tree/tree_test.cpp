@@ -235,19 +235,26 @@ TEST(TreeHandleTest, CopiesShareOneTree) {
   EXPECT_EQ(assigned.GetModelCount(), 1);
 }
 
-TEST(TreeModeTest, OtherDialectsRefuseUntilBuiltIn) {
+TEST(TreeModeTest, ModelsOfOneModeAreNotWrittenInAnother) {
   TSXMLTree tree;
   tree.SetPMMLOutput(true);
-  EXPECT_FALSE(tree.AddModelTree(MakeSimpleModel(),
-                                 TSXDictionaryRefs("S", "", "y")));
+  // PMML mode takes the model without checking the references and without
+  // counting it.
+  EXPECT_TRUE(tree.AddModelTree(MakeSimpleModel(), TSXDictionaryRefs()));
+  EXPECT_EQ(tree.GetModelCount(), 0);
   tree.SetPMMLOutput(false);
   ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(),
                                 TSXDictionaryRefs("S", "", "y")));
-  // A model added in one mode is not written by a write in another.
   tree.SetPMMLOutput(true);
-  std::ostringstream out;
-  EXPECT_FALSE(tree.WriteToStream(out));
+  std::ostringstream pmml;
+  EXPECT_TRUE(tree.WriteToStream(pmml));
+  EXPECT_EQ(pmml.str().find("<ExpSmoothingModel"), std::string::npos);
   EXPECT_EQ(tree.GetModelCount(), 1);
+  tree.SetPMMLOutput(false);
+  std::ostringstream native;
+  EXPECT_TRUE(tree.WriteToStream(native));
+  EXPECT_EQ(native.str().find("<TimeSeriesModel"), std::string::npos);
+  EXPECT_NE(native.str().find("<ExpSmoothingModel"), std::string::npos);
 }
 
 TEST(ModelXMLTreeMakerTest, ReleaseTreeGivesTheElementOnce) {
