@@ -112,7 +112,9 @@ DS::PeriodType RandomType(Random& rng) {
   return DS::PeriodType(rng.In(DS::SimpleSequence, DS::Obs));
 }
 
-// Adds random periods; most attempts fit the family of the first period.
+// A random first period of any family, then random periods, half of them a
+// Quarter or Month that is mostly made to fit a partner already there. Many
+// attempts are refused, and each refusal is checked.
 DS RandomNest(Random& rng, Counts& counts) {
   DS spec(DS::PeriodType(rng.In(DS::SimpleSequence, DS::Second)));
   const int attempts = int(rng.In(1, 9));
@@ -132,12 +134,10 @@ DS RandomNest(Random& rng, Counts& counts) {
       unsigned pc = 0, ps = 0, pl = 0;
       spec.GetPeriod(unsigned(p), t, pc, ps, pl);
       if (pl == 0) pl = pc;
-      if (type == DS::Month) {
-        cycle = 3 * pc, start = 3 * ps + unsigned(rng.In(0, 2)),
-        length = 3 * pl;
-      } else {
-        cycle = pc / 3, start = ps / 3, length = pl / 3;
-      }
+      const bool month = type == DS::Month;
+      cycle = month ? 3 * pc : pc / 3;
+      start = month ? 3 * ps + unsigned(rng.In(0, 2)) : ps / 3;
+      length = month ? 3 * pl : pl / 3;
       if (length == cycle) length = 0;
     } else if (rng.Chance(30)) {
       length = unsigned(rng.In(1, cycle));
