@@ -1,5 +1,6 @@
-// Builds two fitted exponential smoothing models in code and writes the
-// native model document for them to standard output.
+// Builds fitted models in code (two exponential smoothing models, a seasonal
+// ARIMA model with a predictor and outliers, and a Croston model) and writes
+// the native model document for them to standard output.
 //
 //   write_models            the native document
 #include <iostream>
@@ -71,6 +72,81 @@ TSFModel MakeWintersModel() {
   return TSFModel(new TSFModelImp(std::move(state), info, kVisitors));
 }
 
+// Monthly sales on the log scale: ARIMA(1,1,1)(0,1,1) with season 12, the
+// advertising budget as a predictor with a transfer function, an additive
+// outlier and a level shift. Fitted by exact maximum likelihood.
+TSFModel MakeSalesARIMAModel() {
+  AMModelSpec spec;
+  spec.SetSeasonLength(12);
+  spec.SetYTransformSpec(TSTransformSpec(BFSharedConst::Logarithm));
+  spec.SetYDiff(1, 1);
+  spec.SetARStruct({1}, {});
+  spec.SetMAStruct({1}, {1});
+  AMPredictorSpec advertising;
+  advertising.nonSeasonalDiff = 1;
+  advertising.seasonalDiff = 1;
+  advertising.delay = 1;
+  advertising.numeratorNonSeasonal = {1};
+  advertising.denominatorNonSeasonal = {1};
+  spec.AddPredictor(advertising);
+  spec.SetOutliers({TSOutlierSpec(TSOutlierSpec::Additive, 17),
+                    TSOutlierSpec(TSOutlierSpec::LevelShift, 38)});
+
+  // AR 1, MA 1, seasonal MA 1, numerator lags 0 and 1, denominator lag 1,
+  // the two outliers.
+  auto state = std::make_unique<ARMAMLForecastState>(
+      spec,
+      std::valarray<double>{0.3124, 0.5871, 0.6342, 0.0215, 0.0087, 0.4512,
+                            0.1873, -0.0941},
+      std::valarray<double>{0.1287, 0.1093, 0.0978, 0.0052, 0.0049, 0.1625,
+                            0.0412, 0.0367});
+  state->SetStateSpan(TSSpan(0, 60, 0));
+  state->SetXHistory(0, {42.5, 45.0, 47.5}, {0.9137, 0.9671, 1.0214});
+  state->SetActualZ({0.0213, -0.0148, 0.0376, 0.0091});
+  state->SetPredZ({0.0187, -0.0102, 0.0298, 0.0124});
+  state->SetFinalOmega(
+      DSymMat(3, {0.0031, 0.0012, 0.0027, 0.0004, 0.0009, 0.0022}));
+  state->SetFinalStateV({0.0091, -0.0053, 0.0017});
+
+  EstimationInfo info;
+  info.SetSpan(TSSpan(0, 60));
+  info.SetDegreesOfFreedom(39);
+  info.SetErrorVariance(0.00184);
+  info.SetGOFStat(BFSharedConst::MSE, 41.27);
+  info.SetGOFStat(BFSharedConst::RMSE, 6.424);
+  info.SetGOFStat(BFSharedConst::MAPE, 2.716);
+  info.SetGOFStat(BFSharedConst::MAE, 5.083);
+  info.SetGOFStat(BFSharedConst::RSQ, 0.9381);
+  info.SetGOFStat(BFSharedConst::NRMBIC, 4.102);
+  info.SetGOFStat(BFSharedConst::SRSQ, 0.4475);
+  info.SetLBStat(14.62, 18, 15, 0.479);
+  return TSFModel(new TSFModelImp(std::move(state), info));
+}
+
+// One simple smoothing sub-model of the Croston model: its level and its
+// smoothing weight.
+ESForecastState MakeSubmodel(double level, double alpha, double stdError) {
+  return ESForecastState(
+      ESModelSpec(ESModelSpec::ESSimple), std::valarray<double>{alpha},
+      std::valarray<double>{stdError}, WIESSmState(level, 0.0));
+}
+
+// Weekly demand for a spare part, with many weeks without demand.
+TSFCrModel MakeSparePartsModel() {
+  EstimationInfo info;
+  info.SetSpan(TSSpan(0, 156));
+  info.SetDegreesOfFreedom(154);
+  info.SetErrorVariance(5.31);
+  info.SetGOFStat(BFSharedConst::MSE, 5.31);
+  info.SetGOFStat(BFSharedConst::RMSE, 2.304);
+  info.SetGOFStat(BFSharedConst::MAE, 1.872);
+  info.SetGOFStat(BFSharedConst::MAXAE, 11.4);
+  // Weeks without demand leave the percentage errors undefined: missing.
+  return TSFCrModel(new TSFCrModelImp(MakeSubmodel(6.82, 0.15, 0.062),
+                                      MakeSubmodel(3.41, 0.1, 0.048),
+                                      MakeSubmodel(2.27, 0.2, 0.071), info));
+}
+
 }  // namespace
 
 int main() {
@@ -78,10 +154,17 @@ int main() {
   tree.SetApplication("tsxml example", "1.0", "");
 
   bool added = tree.AddModelTree(
-      MakeSimpleModel(), TSXDictionaryRefs("Calls", "Weekly call volume",
-                                           "calls"));
+      MakeSimpleModel(),
+      TSXDictionaryRefs("Calls", "Weekly call volume", "calls"));
   added = tree.AddModelTree(MakeWintersModel(),
                             TSXDictionaryRefs("Visitors", "", "visitors")) &&
+          added;
+  added = tree.AddModelTree(MakeSalesARIMAModel(),
+                            TSXDictionaryRefs("Sales", "Monthly sales", "sales",
+                                              {"advertising"})) &&
+          added;
+  added = tree.AddModelTree(MakeSparePartsModel(),
+                            TSXDictionaryRefs("Spare parts", "", "demand")) &&
           added;
   if (!added || !tree.WriteToStream(std::cout)) {
     std::cerr << "write_models: a model could not be written\n";
