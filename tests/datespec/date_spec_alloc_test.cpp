@@ -9,37 +9,8 @@
 #include <new>
 
 #include "date_spec_test_util.h"
+#include "support/failing_allocator.h"
 
-namespace {
-
-long g_live = 0;            // blocks allocated and not yet freed
-long g_until_failure = -1;  // allocations left before one fails; -1: never
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-  if (g_until_failure == 0) {
-    g_until_failure = -1;
-    throw std::bad_alloc();
-  }
-  if (g_until_failure > 0) --g_until_failure;
-  void* block = std::malloc(size == 0 ? 1 : size);
-  if (block == nullptr) throw std::bad_alloc();
-  ++g_live;
-  return block;
-}
-
-// Not inlined, so that an optimiser doesn't see free() meet a block from
-// operator new and warn of a mismatch.
-[[gnu::noinline]] void operator delete(void* block) noexcept {
-  if (block == nullptr) return;
-  --g_live;
-  std::free(block);
-}
-
-void operator delete(void* block, std::size_t) noexcept {
-  operator delete(block);
-}
 
 namespace datespec_test {
 namespace {
@@ -50,25 +21,25 @@ namespace {
 int FailEachAllocation(const std::function<void(DS&)>& call) {
   int failures = 0;
   for (long allowed = 0;; ++allowed) {
-    const long live = g_live;
+    const long live = testing_support::gLiveAllocations;
     {
       DS spec = Gapped();
       const DS before(spec);
       const auto snapshot = Snapshot(spec);
       bool threw = false;
-      g_until_failure = allowed;
+      testing_support::gAllocationsUntilFailure = allowed;
       try {
         call(spec);
       } catch (const std::bad_alloc&) {
         threw = true;
       }
-      g_until_failure = -1;
+      testing_support::gAllocationsUntilFailure = -1;
       if (!threw) break;
       ++failures;
       EXPECT_TRUE(spec.IsEquivalent(before, true));
       EXPECT_EQ(Snapshot(spec), snapshot);
     }
-    EXPECT_EQ(g_live, live);
+    EXPECT_EQ(testing_support::gLiveAllocations, live);
   }
   return failures;
 }
@@ -102,15 +73,15 @@ TEST(DateSpecAllocation, FailedCallsChangeNothing) {
 TEST(DateSpecAllocation, FailedCopyAndConstructionLeakNothing) {
   const DS spec = Gapped();
   for (long allowed = 0; allowed < 4; ++allowed) {
-    const long live = g_live;
-    g_until_failure = allowed;
+    const long live = testing_support::gLiveAllocations;
+    testing_support::gAllocationsUntilFailure = allowed;
     try {
       DS copy(spec);
       DS fresh(DS::Month);
     } catch (const std::bad_alloc&) {
     }
-    g_until_failure = -1;
-    EXPECT_EQ(g_live, live);
+    testing_support::gAllocationsUntilFailure = -1;
+    EXPECT_EQ(testing_support::gLiveAllocations, live);
   }
 }
 

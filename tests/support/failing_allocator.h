@@ -12,8 +12,12 @@
 namespace testing_support {
 
 // Counts down allocations while armed; the allocation at which it reaches 0
-// throws std::bad_alloc. -1 means disarmed.
+// throws std::bad_alloc (and disarms). -1 means disarmed.
 inline long gAllocationsUntilFailure = -1;
+// While true, every allocation fails.
+inline bool gFailAlways = false;
+// Blocks allocated through operator new and not yet freed.
+inline long gLiveAllocations = 0;
 
 // Arms the allocator so that the n-th allocation from now (0-based) fails,
 // and disarms it again when it goes out of scope.
@@ -61,19 +65,30 @@ class ReservedBuffer : public std::streambuf {
 }  // namespace testing_support
 
 inline void* AllocateOrFail(std::size_t size) {
-  if (testing_support::gAllocationsUntilFailure >= 0 &&
-      testing_support::gAllocationsUntilFailure-- == 0) {
+  using namespace testing_support;
+  if (gFailAlways ||
+      (gAllocationsUntilFailure >= 0 && gAllocationsUntilFailure-- == 0)) {
     throw std::bad_alloc();
   }
-  if (void* p = std::malloc(size ? size : 1)) return p;
-  throw std::bad_alloc();
+  void* block = std::malloc(size ? size : 1);
+  if (block == nullptr) throw std::bad_alloc();
+  ++gLiveAllocations;
+  return block;
+}
+
+// Not inlined, so that an optimiser doesn't see free() meet a block from
+// operator new and warn of a mismatch.
+[[gnu::noinline]] inline void Release(void* block) noexcept {
+  if (block == nullptr) return;
+  --testing_support::gLiveAllocations;
+  std::free(block);
 }
 
 void* operator new(std::size_t size) { return AllocateOrFail(size); }
 void* operator new[](std::size_t size) { return AllocateOrFail(size); }
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete[](void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
-void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
+void operator delete(void* p) noexcept { Release(p); }
+void operator delete[](void* p) noexcept { Release(p); }
+void operator delete(void* p, std::size_t) noexcept { Release(p); }
+void operator delete[](void* p, std::size_t) noexcept { Release(p); }
 
 #endif  // TSXML_TESTS_SUPPORT_FAILING_ALLOCATOR_H

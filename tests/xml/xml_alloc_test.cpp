@@ -9,43 +9,21 @@
 #include <sstream>
 #include <string>
 
+#include "support/failing_allocator.h"
 #include "xml/xml_node.h"
 
 namespace {
 
-long g_live = 0;             // blocks allocated and not yet freed
-long g_until_failure = -1;   // allocations left before one fails; -1: never
-bool g_fail_always = false;  // every allocation fails
+using testing_support::gFailAlways;
+using testing_support::gLiveAllocations;
 
-void Arm(long allowed) { g_until_failure = allowed; }
+void Arm(long allowed) { testing_support::gAllocationsUntilFailure = allowed; }
 void Disarm() {
-  g_until_failure = -1;
-  g_fail_always = false;
+  testing_support::gAllocationsUntilFailure = -1;
+  gFailAlways = false;
 }
 
 }  // namespace
-
-void* operator new(std::size_t size) {
-  if (g_fail_always || g_until_failure == 0) {
-    g_until_failure = -1;
-    throw std::bad_alloc();
-  }
-  if (g_until_failure > 0) --g_until_failure;
-  void* block = std::malloc(size == 0 ? 1 : size);
-  if (block == nullptr) throw std::bad_alloc();
-  ++g_live;
-  return block;
-}
-
-void operator delete(void* block) noexcept {
-  if (block == nullptr) return;
-  --g_live;
-  std::free(block);
-}
-
-void operator delete(void* block, std::size_t) noexcept {
-  operator delete(block);
-}
 
 namespace OstraTimeXML {
 namespace {
@@ -96,7 +74,7 @@ TEST(AllocationFailure, FailedAddDeletesTheNodeAndKeepsTheElement) {
   const std::string before = Text(*parent);
   int deletions = 0;
   CountedElement* child = CountedElement::Create(&deletions);
-  g_fail_always = true;
+  gFailAlways = true;
   EXPECT_THROW(parent->AddElement(child), std::bad_alloc);
   Disarm();
   EXPECT_EQ(deletions, 1);
@@ -108,7 +86,7 @@ TEST(AllocationFailure, EveryFailurePointLeaksNothing) {
   bool done = false;
   long n = 0;
   for (; !done; ++n) {
-    const long live = g_live;
+    const long live = gLiveAllocations;
     Arm(n);
     try {
       const std::string text = BuildAndWrite();
@@ -118,7 +96,7 @@ TEST(AllocationFailure, EveryFailurePointLeaksNothing) {
     } catch (const std::bad_alloc&) {
       Disarm();
     }
-    ASSERT_EQ(g_live, live) << "failure at allocation " << n;
+    ASSERT_EQ(gLiveAllocations, live) << "failure at allocation " << n;
   }
   EXPECT_GT(n, 30);  // the run went through many failure points
 }
@@ -140,7 +118,7 @@ TEST(AllocationFailure, AssignmentKeepsTheOldValueOnFailure) {
 
 TEST(AllocationFailure, DeepDeletionWithoutMemoryStillDeletesAll) {
   int deletions = 0;
-  const long live = g_live;
+  const long live = gLiveAllocations;
   {
     std::unique_ptr<XMLElement> root(XMLElement::Create("r"));
     XMLElement* leaf = root.get();
@@ -150,11 +128,11 @@ TEST(AllocationFailure, DeepDeletionWithoutMemoryStillDeletesAll) {
       leaf->AddElement(CountedElement::Create(&deletions));
       leaf = child;
     }
-    g_fail_always = true;  // the deleter's own stack cannot grow
+    gFailAlways = true;  // the deleter's own stack cannot grow
   }
   Disarm();
   EXPECT_EQ(deletions, 200);
-  EXPECT_EQ(g_live, live);
+  EXPECT_EQ(gLiveAllocations, live);
 }
 
 }  // namespace
