@@ -23,14 +23,14 @@ using testing_support::MakeFullARIMAModel;
 using testing_support::MakeSimpleModel;
 using testing_support::ReservedBuffer;
 
-TSFModel MakeSeasonalModel() {
+TSFModel MakeSeasonalModel(const std::valarray<double>& history = {}) {
   ESModelSpec spec(ESModelSpec::ESAdditiveWinters, 4);
   spec.SetYTransformSpec(TSTransformSpec(BFSharedConst::Logarithm));
   EstimationInfo info = BasicInfo();
   info.SetGOFStat(BFSharedConst::RMSE, 1.5);
   info.SetLBStat(3, 18, 15, 0.5);
   return MakeESModel(spec, {0.5, 0.25, 0.125}, {0.1, 0.2, 0.3},
-                     WIESSmState(10, 1, 2, {1, 2, 3, 4}), info);
+                     WIESSmState(10, 1, 2, {1, 2, 3, 4}), info, history);
 }
 
 std::string WriteAll(TSXMLTree& tree) {
@@ -136,6 +136,65 @@ TEST(AllocationFailureTest, WriteARIMAAndCrostonModels) {
         return tree;
       },
       3);
+}
+
+// A PMML tree with `count` models: a simple one on "y", then seasonal ones
+// with a history on "z", so that the last add changes DataDictionary.
+TSXMLTree MakePMMLTree(int count) {
+  TSXMLTree tree;
+  tree.SetPMMLOutput(true);
+  tree.SetApplication("app", "1", "");
+  for (int i = 0; i < count; ++i) {
+    tree.AddModelTree(i == 0 ? MakeSimpleModel() : MakeSeasonalModel({5, 6, 7}),
+                      TSXDictionaryRefs("M", "", i == 0 ? "y" : "z"));
+  }
+  return tree;
+}
+
+TEST(AllocationFailureTest, PMMLAddModelTreeLeavesTheDocumentUnchanged) {
+  TSXMLTree expected = MakePMMLTree(2);
+  const std::string expectedText = WriteAll(expected);
+  TSXMLTree unchanged = MakePMMLTree(1);
+  const std::string unchangedText = WriteAll(unchanged);
+  ASSERT_NE(expectedText, unchangedText);
+
+  const TSFModel model = MakeSeasonalModel({5, 6, 7});
+  const TSXDictionaryRefs refs("M", "", "z");
+  const long failures = ForEachFailingAllocation([&](long n) {
+    TSXMLTree tree = MakePMMLTree(1);
+    try {
+      FailingAllocations armed(n);
+      EXPECT_TRUE(tree.AddModelTree(model, refs));
+    } catch (const std::bad_alloc&) {
+      EXPECT_EQ(WriteAll(tree), unchangedText);
+      return false;
+    }
+    EXPECT_EQ(WriteAll(tree), expectedText);
+    return true;
+  });
+  EXPECT_GT(failures, 20);
+}
+
+TEST(AllocationFailureTest, PMMLWriteToStreamLeavesTheDocumentUnchanged) {
+  TSXMLTree reference = MakePMMLTree(2);
+  const std::string expectedText = WriteAll(reference);
+
+  const long failures = ForEachFailingAllocation([&](long n) {
+    TSXMLTree tree = MakePMMLTree(2);
+    ReservedBuffer buffer(1 << 20);
+    std::ostream out(&buffer);
+    try {
+      FailingAllocations armed(n);
+      EXPECT_TRUE(tree.WriteToStream(out));
+    } catch (const std::bad_alloc&) {
+      EXPECT_EQ(WriteAll(tree), expectedText);
+      return false;
+    }
+    EXPECT_EQ(buffer.str(), expectedText);
+    EXPECT_EQ(WriteAll(tree), expectedText);  // a PMML write is repeatable
+    return true;
+  });
+  EXPECT_GT(failures, 10);
 }
 
 }  // namespace
