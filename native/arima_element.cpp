@@ -30,19 +30,17 @@ const char* OutlierTypeWord(uint32_t type) {
   return type < sizeof kWords / sizeof kWords[0] ? kWords[type] : nullptr;
 }
 
-// "Autoregression" or "MovingAverage" from the lags that `getStruct` gives;
-// added only when it has a factor.
-template <typename GetStruct>
-void AddARMAFactors(XMLElement& model, const char* name, GetStruct getStruct,
+// Element `name` holding the factors of the lags; added to `parent` only
+// when it has a factor.
+void AddFactorGroup(XMLElement& parent, const char* name,
+                    const AMPowers& nonSeasonal, const AMPowers& seasonal,
+                    bool includeZeroLag, unsigned firstParameter,
                     const std::valarray<double>& parameters,
                     const std::valarray<double>& stdErrors) {
-  const AMPowers* nonSeasonal = nullptr;
-  const AMPowers* seasonal = nullptr;
-  const unsigned first = getStruct(nonSeasonal, seasonal);
-  std::unique_ptr<XMLElement> element(XMLElement::Create(name));
-  if (AddLagFactors(*element, *nonSeasonal, *seasonal, false, first, parameters,
-                    stdErrors)) {
-    model.AddElement(element.release());
+  std::unique_ptr<XMLElement> group(XMLElement::Create(name));
+  if (AddLagFactors(*group, nonSeasonal, seasonal, includeZeroLag,
+                    firstParameter, parameters, stdErrors)) {
+    parent.AddElement(group.release());
   }
 }
 
@@ -59,22 +57,16 @@ void AddPredictorEffect(XMLElement& model, const AMModelSpec& spec, unsigned i,
   AddTransformationElement(*effect, spec.GetXTransformSpec(i).function,
                            nonSeasonalDiff, seasonalDiff, delay);
 
+  // The numerator's terms start at the regression coefficient.
   const AMPowers* nonSeasonal = nullptr;
   const AMPowers* seasonal = nullptr;
-  unsigned first = spec.GetXRegressionCoeff(i);
+  const unsigned first = spec.GetXRegressionCoeff(i);
   spec.GetXNumerator(i, nonSeasonal, seasonal);
-  std::unique_ptr<XMLElement> numerator(XMLElement::Create("Numerator"));
-  if (AddLagFactors(*numerator, *nonSeasonal, *seasonal, true, first,
-                    parameters, stdErrors)) {
-    effect->AddElement(numerator.release());
-  }
-
-  first = spec.GetXDenominator(i, nonSeasonal, seasonal);
-  std::unique_ptr<XMLElement> denominator(XMLElement::Create("Denominator"));
-  if (AddLagFactors(*denominator, *nonSeasonal, *seasonal, false, first,
-                    parameters, stdErrors)) {
-    effect->AddElement(denominator.release());
-  }
+  AddFactorGroup(*effect, "Numerator", *nonSeasonal, *seasonal, true, first,
+                 parameters, stdErrors);
+  const unsigned denominator = spec.GetXDenominator(i, nonSeasonal, seasonal);
+  AddFactorGroup(*effect, "Denominator", *nonSeasonal, *seasonal, false,
+                 denominator, parameters, stdErrors);
   model.AddElement(effect.release());
 }
 
@@ -113,18 +105,14 @@ XMLElement* MakeARIMAElement(const AMModelSpec& spec,
     model->AddElement(constant.release());
   }
 
-  AddARMAFactors(
-      *model, "Autoregression",
-      [&spec](const AMPowers*& ns, const AMPowers*& s) {
-        return spec.GetARStruct(ns, s);
-      },
-      parameters, stdErrors);
-  AddARMAFactors(
-      *model, "MovingAverage",
-      [&spec](const AMPowers*& ns, const AMPowers*& s) {
-        return spec.GetMAStruct(ns, s);
-      },
-      parameters, stdErrors);
+  const AMPowers* nonSeasonal = nullptr;
+  const AMPowers* seasonal = nullptr;
+  unsigned first = spec.GetARStruct(nonSeasonal, seasonal);
+  AddFactorGroup(*model, "Autoregression", *nonSeasonal, *seasonal, false,
+                 first, parameters, stdErrors);
+  first = spec.GetMAStruct(nonSeasonal, seasonal);
+  AddFactorGroup(*model, "MovingAverage", *nonSeasonal, *seasonal, false, first,
+                 parameters, stdErrors);
 
   for (unsigned i = 0; i < predictors; ++i) {
     AddPredictorEffect(*model, spec, i, refs.GetPredictorIDs()[i], parameters,
