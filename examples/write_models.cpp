@@ -1,8 +1,11 @@
 // Builds fitted models in code (two exponential smoothing models, a seasonal
 // ARIMA model with a predictor and outliers, and a Croston model) and writes
-// the native model document for them to standard output.
+// the native model document for them to standard output; with --pmml, the
+// PMML 4.2 document of the exponential smoothing models instead.
 //
 //   write_models            the native document
+//   write_models --pmml     the PMML document
+#include <cstring>
 #include <iostream>
 #include <memory>
 #include <valarray>
@@ -147,9 +150,8 @@ TSFCrModel MakeSparePartsModel() {
                                       MakeSubmodel(2.27, 0.2, 0.071), info));
 }
 
-}  // namespace
-
-int main() {
+// The native document of all four models.
+int WriteNative() {
   TSXMLTree tree;
   tree.SetApplication("tsxml example", "1.0", "");
 
@@ -172,4 +174,28 @@ int main() {
   }
   std::cout << '\n';
   return 0;
+}
+
+// The PMML document of the exponential smoothing models. The model added
+// last decides the data dictionary, here the monthly visitors.
+int WritePMML() {
+  TSXMLTree tree;
+  tree.SetPMMLOutput(true);
+  tree.SetApplication("tsxml example", "1.0", "");
+  tree.AddModelTree(MakeSimpleModel(),
+                    TSXDictionaryRefs("Calls", "Weekly call volume", "calls"));
+  tree.AddModelTree(MakeWintersModel(),
+                    TSXDictionaryRefs("Visitors", "", "visitors"));
+  tree.WriteToStream(std::cout);
+  std::cout << '\n';
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc == 1) return WriteNative();
+  if (argc == 2 && std::strcmp(argv[1], "--pmml") == 0) return WritePMML();
+  std::cerr << "usage: write_models [--pmml]\n";
+  return 2;
 }
