@@ -269,6 +269,7 @@ TEST(CrostonTreeTest, RefusedReferencesAndEmptyHandles) {
   EXPECT_EQ(null.GetModelCount(), 0);
 }
 
+// A Croston model added in PMML mode stays for the native document.
 TEST(CrostonTreeTest, AddedWhateverTheModeInOrderWithOtherModels) {
   TSXMLTree tree;
   ASSERT_TRUE(
@@ -283,13 +284,6 @@ TEST(CrostonTreeTest, AddedWhateverTheModeInOrderWithOtherModels) {
       NamesAtDepth(Write(tree), 1),
       (std::vector<std::string>{"Header", "DataDictionary", "ExpSmoothingModel",
                                 "ARIMAModel", "CrostonModel"}));
-}
-
-TEST(CrostonTreeTest, KeptInPMMLModeAndDeletedWithTheTree) {
-  TSXMLTree tree;
-  tree.SetPMMLOutput(true);
-  ASSERT_TRUE(tree.AddModelTree(MakeCrostonModel(), kCrostonRefs));
-  EXPECT_EQ(tree.GetModelCount(), 1);
 }
 
 }  // namespace
