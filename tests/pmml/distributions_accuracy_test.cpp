@@ -61,7 +61,7 @@ std::vector<double> Grid(double from, double to, double step) {
 // 1 - `closest_to_one`, spaced evenly in log10.
 std::vector<double> Probabilities(double smallest, double closest_to_one) {
   std::vector<double> ps;
-  for (double e = std::log10(smallest); e < std::log10(0.5); e += 0.0625) {
+  for (double e = std::log10(smallest); e < std::log10(0.5); e += 0.125) {
     const double p = std::pow(10.0, e);
     ps.push_back(p);
     if (p >= closest_to_one) ps.push_back(1 - p);
