@@ -1,4 +1,4 @@
-// The specification of an ARIMA model with transfer functions and outliers,
+// The structure of an ARIMA model with transfer functions and outliers,
 // and where each of its parameters stands in the flat parameter vector of
 // its forecast state.
 #ifndef TSXML_MODELAPI_ARIMA_SPEC_H
@@ -64,7 +64,7 @@ class TSXML_API AMModelSpec : public TSModelSpec {
   void GetYDiff(unsigned& nonSeasonal, unsigned& seasonal) const;
   void SetYDiff(unsigned nonSeasonal, unsigned seasonal);
 
-  // The lags of the AR or MA factors, pointed at in this spec (never null);
+  // The lags of the AR or MA factors, owned by this object (never null);
   // the result is the position of the first parameter, non-seasonal ones
   // first.
   unsigned GetARStruct(const AMPowers*& nonSeasonal,

@@ -1,7 +1,7 @@
 // The structure of an ARIMA model in the native document: "ARIMAModel" with
 // its constant, AR and MA factors, one "PredictorEffect" per predictor and
 // one "OutlierEffect" per outlier, each estimate read from the model's flat
-// parameter vector at the position that the specification gives.
+// parameter vector at the position that the AMModelSpec gives.
 //
 // Positions are 32-bit: the end of a group is computed in unsigned 32-bit
 // arithmetic and wraps. A value at a position outside a vector is never

@@ -25,7 +25,7 @@ void AddARIMAMLState(XMLElement& parent, const ARMAMLForecastState& state);
 // "ThetaRecursionState".
 void AddARIMAMLSpState(XMLElement& parent, const ARMAMLSpForecastState& state);
 
-// One "PredictorState" per predictor of the spec, empty without history.
+// One "PredictorState" per predictor of the model, empty without history.
 void AddPredictorStates(XMLElement& parent, const ARMAForecastState& state);
 // "ZState", left out when both of its lists are empty.
 void AddZState(XMLElement& parent, const ARMAForecastState& state);

@@ -407,7 +407,7 @@ std::vector<std::string> EstimateTexts(const std::string& text) {
 }
 
 TEST(ARIMAElementTest, LaidOutParametersAppearInVectorOrder) {
-  // With the layout of the spec and the estimates 1..n (errors -1..-n), the
+  // With the layout of AMModelSpec and the estimates 1..n (errors -1..-n), the
   // document reads every parameter once, in vector order: the element order
   // follows the layout order.
   Lcg random(7);
