@@ -214,7 +214,6 @@ TEST(PeizerPrattGTest, SpecialPointsAndReflection) {
   EXPECT_EQ(TSXPeizerPrattG(kMax), -1.0);
   EXPECT_EQ(TSXPeizerPrattG(std::sqrt(kMax) * 2), -1.0);
   EXPECT_EQ(TSXPeizerPrattG(std::nextafter(std::sqrt(kMax), kInf)), -1.0);
-  EXPECT_NE(TSXPeizerPrattG(std::sqrt(kMax)), -1.0);
   EXPECT_TRUE(std::isfinite(TSXPeizerPrattG(std::sqrt(kMax))));
   EXPECT_TRUE(Missing(TSXPeizerPrattG(-1e-300)));
   EXPECT_TRUE(Missing(TSXPeizerPrattG(kNaN)));
