@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <utility>
 
 #include "modelapi/missing_value.h"
@@ -9,7 +10,7 @@
 
 namespace {
 
-using namespace internal;
+namespace tables = internal;
 
 constexpr double kMissing = MV::gMissingValue;
 constexpr double kPi = 3.14159265358979323846;
@@ -36,17 +37,34 @@ constexpr double kNewtonStop = 1e-20;
 // be (a previous step size of 0).
 constexpr int kMaxStepCuts = 700;
 
-static_assert(sizeof(kErfA) == 5 * kErfRowSize * sizeof(double));
-static_assert(sizeof(kErfB) == 5 * kErfRowSize * sizeof(double));
-static_assert(sizeof(kErfcPoly) == 23 * sizeof(double));
-static_assert(sizeof(kLogGammaStirling) ==
-              (kStirlingSize + 1) * sizeof(double));
-static_assert(sizeof(kLogGammaMid) == 5 * kLogGammaMidRowSize * sizeof(double));
-static_assert(sizeof(kLogGammaLow) == 7 * kLogGammaLowRowSize * sizeof(double));
-static_assert(sizeof(kLogGammaSmall) ==
-              2 * kLogGammaSmallRowSize * sizeof(double));
-static_assert(sizeof(kNormalQuantileA) == kNormalQuantileSize * sizeof(double));
-static_assert(sizeof(kNormalQuantileF) == kNormalQuantileSize * sizeof(double));
+constexpr std::size_t kDoubles = sizeof(double);
+static_assert(sizeof(tables::kErfA) ==
+              tables::kErfRows * tables::kErfRowSize * kDoubles);
+static_assert(sizeof(tables::kErfB) ==
+              tables::kErfRows * tables::kErfRowSize * kDoubles);
+static_assert(sizeof(tables::kErfcPoly) == tables::kErfcSize * kDoubles);
+static_assert(sizeof(tables::kLogGammaStirling) ==
+              (tables::kStirlingSize + 1) * kDoubles);
+static_assert(sizeof(tables::kLogGammaMid) == tables::kLogGammaMidRows *
+                                                  tables::kLogGammaMidRowSize *
+                                                  kDoubles);
+static_assert(sizeof(tables::kLogGammaLow) == tables::kLogGammaLowRows *
+                                                  tables::kLogGammaLowRowSize *
+                                                  kDoubles);
+static_assert(sizeof(tables::kLogGammaSmall) ==
+              2 * tables::kLogGammaSmallRowSize * kDoubles);
+static_assert(sizeof(tables::kNormalQuantileA) ==
+                  tables::kNormalQuantileSize * kDoubles &&
+              sizeof(tables::kNormalQuantileB) ==
+                  tables::kNormalQuantileSize * kDoubles &&
+              sizeof(tables::kNormalQuantileC) ==
+                  tables::kNormalQuantileSize * kDoubles &&
+              sizeof(tables::kNormalQuantileD) ==
+                  tables::kNormalQuantileSize * kDoubles &&
+              sizeof(tables::kNormalQuantileE) ==
+                  tables::kNormalQuantileSize * kDoubles &&
+              sizeof(tables::kNormalQuantileF) ==
+                  tables::kNormalQuantileSize * kDoubles);
 
 // Horner's rule over `n` coefficients listed highest power first.
 double PolyHighFirst(const double* c, int n, double x) {
@@ -164,11 +182,13 @@ double TSXErf(double x) {
   double y = 1;
   if (w < 2.2) {
     const double t = w * w;
-    const int k = TableRow(t, 5);
-    y = w * PolyHighFirst(kErfA + k * kErfRowSize, kErfRowSize, t - k);
+    const int k = TableRow(t, tables::kErfRows);
+    y = w * PolyHighFirst(tables::kErfA + k * tables::kErfRowSize,
+                          tables::kErfRowSize, t - k);
   } else if (w < 6.9) {
-    const int k = 2 + TableRow(w - 2, 5);
-    y = PolyHighFirst(kErfB + (k - 2) * kErfRowSize, kErfRowSize, w - k);
+    const int k = 2 + TableRow(w - 2, tables::kErfRows);
+    y = PolyHighFirst(tables::kErfB + (k - 2) * tables::kErfRowSize,
+                      tables::kErfRowSize, w - k);
     y *= y;
     y *= y;
     y *= y;
@@ -183,25 +203,28 @@ double TSXLogGamma(double x) {
   if (x >= 8) {
     if (std::isinf(x)) return x;
     const double v = 1 / x;
-    return (x - 0.5) * std::log(x) - x + kLogGammaStirling[kStirlingSize] +
-           v * PolyHighFirst(kLogGammaStirling, kStirlingSize, v * v);
+    return (x - 0.5) * std::log(x) - x +
+           tables::kLogGammaStirling[tables::kStirlingSize] +
+           v * PolyHighFirst(tables::kLogGammaStirling, tables::kStirlingSize,
+                             v * v);
   }
   if (x >= 3.5) {
-    const int k = TableRow(x - 3, 5);
-    return PolyHighFirst(kLogGammaMid + k * kLogGammaMidRowSize,
-                         kLogGammaMidRowSize, x - (k + 3.5));
+    const int k = TableRow(x - 3, tables::kLogGammaMidRows);
+    return PolyHighFirst(tables::kLogGammaMid + k * tables::kLogGammaMidRowSize,
+                         tables::kLogGammaMidRowSize, x - (k + 3.5));
   }
   if (x == 1 || x == 2) return 0;
   if (x > 0.5) {
     double t = x - 4.5 / (x + 0.5);
-    const int k = TableRow(t + 4, 7);
+    const int k = TableRow(t + 4, tables::kLogGammaLowRows);
     t = t - (k - 3.5);
-    return PolyHighFirst(kLogGammaLow + k * kLogGammaLowRowSize,
-                         kLogGammaLowRowSize, t);
+    return PolyHighFirst(tables::kLogGammaLow + k * tables::kLogGammaLowRowSize,
+                         tables::kLogGammaLowRowSize, t);
   }
   if (x == 0.5) return std::log(kPi) * 0.5;
-  const double* row = kLogGammaSmall + (x < 0.25 ? 0 : kLogGammaSmallRowSize);
-  const double y = x * PolyHighFirst(row, kLogGammaSmallRowSize, x);
+  const double* row =
+      tables::kLogGammaSmall + (x < 0.25 ? 0 : tables::kLogGammaSmallRowSize);
+  const double y = x * PolyHighFirst(row, tables::kLogGammaSmallRowSize, x);
   if (y <= 0) return kMissing;
   return -std::log(y);
 }
@@ -212,8 +235,9 @@ double TSXNormalCDF(double x) {
   if (x == 0) return 0.5;
   // 0.5 erfc(w), with erfc(w) = t Q(t - 0.5) exp(-w^2).
   const double w = -x / kSqrt2;
-  const double t = kErfcScale / (w + kErfcScale);
-  const double y = t * PolyHighFirst(kErfcPoly, 23, t - 0.5);
+  const double t = tables::kErfcScale / (w + tables::kErfcScale);
+  const double y =
+      t * PolyHighFirst(tables::kErfcPoly, tables::kErfcSize, t - 0.5);
   if (y > 0) {
     const double e = std::log(y) - w * w;
     if (e >= kExpFloor) return 0.5 * std::exp(e);
@@ -225,21 +249,24 @@ double TSXNormalQuantile(double p) {
   if (!(p > 0 && p < 1)) return kMissing;
   const double q = p - 0.5;
   if (q == 0) return 0;
-  if (std::fabs(q) <= kAs241Split1) {
-    const double r = kAs241Const1 - q * q;
-    return q * PolyLowFirst(kNormalQuantileA, kNormalQuantileSize, r) /
-           PolyLowFirst(kNormalQuantileB, kNormalQuantileSize, r);
+  if (std::fabs(q) <= tables::kAs241Split1) {
+    const double r = tables::kAs241Const1 - q * q;
+    return q *
+           PolyLowFirst(tables::kNormalQuantileA, tables::kNormalQuantileSize,
+                        r) /
+           PolyLowFirst(tables::kNormalQuantileB, tables::kNormalQuantileSize,
+                        r);
   }
   double r = std::sqrt(-std::log(q < 0 ? p : 1 - p));
   double z;
-  if (r <= kAs241Split2) {
-    r -= kAs241Const2;
-    z = PolyLowFirst(kNormalQuantileC, kNormalQuantileSize, r) /
-        PolyLowFirst(kNormalQuantileD, kNormalQuantileSize, r);
+  if (r <= tables::kAs241Split2) {
+    r -= tables::kAs241Const2;
+    z = PolyLowFirst(tables::kNormalQuantileC, tables::kNormalQuantileSize, r) /
+        PolyLowFirst(tables::kNormalQuantileD, tables::kNormalQuantileSize, r);
   } else {
-    r -= kAs241Split2;
-    z = PolyLowFirst(kNormalQuantileE, kNormalQuantileSize, r) /
-        PolyLowFirst(kNormalQuantileF, kNormalQuantileSize, r);
+    r -= tables::kAs241Split2;
+    z = PolyLowFirst(tables::kNormalQuantileE, tables::kNormalQuantileSize, r) /
+        PolyLowFirst(tables::kNormalQuantileF, tables::kNormalQuantileSize, r);
   }
   return q < 0 ? -z : z;
 }
@@ -375,7 +402,7 @@ double TSXInverseIncompleteBeta(double p, double a) {
     for (int cut = 0; cut < kMaxStepCuts; ++cut, g /= 3) {
       const double adj = g * d;
       sq = adj * adj;
-      if (sq >= prev) continue;
+      if (!(sq < prev)) continue;
       const double candidate = x - adj;
       if (std::fabs(candidate) < kNewtonAccuracy) {
         tx = kNewtonAccuracy;

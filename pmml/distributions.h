@@ -23,9 +23,9 @@ double TSXNormalQuantile(double p);
 // 0, -1 above sqrt(DBL_MAX); missing for x < 0.
 double TSXPeizerPrattG(double x);
 
-// The regularised incomplete beta I_x(a, b): 0 for x <= 0, 1 for x >= 1.
-// a or b not positive and finite: status 1, missing; a result that could not
-// be formed (overflowing log-gamma terms): status 2, missing.
+// The regularised incomplete beta I_x(a, b), in [0, 1]: 0 for x <= 0, 1 for
+// x >= 1. a or b not positive and finite: status 1, missing; a result that
+// could not be formed (overflowing log-gamma terms): status 2, missing.
 double TSXIncompleteBeta(double x, double a, double b, int& status);
 
 // The x in [0, 1] with I_x(a, 1/2) = p, to about 1e-10 in x; -1.0 when p is
@@ -37,7 +37,8 @@ double TSXInverseIncompleteBeta(double p, double a);
 double TSXStudentTCDF(double x, double df, int& status);
 
 // The x with P(T <= x) = p, for 0 < p < 1 and df > 0 (normal from 1e8 on);
-// other arguments: status 1, missing; failed inversion: status 2, missing.
+// other arguments: status 1, missing; an inversion that fails or underflows
+// to an infinite x: status 2, missing.
 double TSXStudentTQuantile(double p, double df, int& status);
 
 #endif  // TSXML_PMML_DISTRIBUTIONS_H

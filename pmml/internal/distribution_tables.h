@@ -8,11 +8,16 @@
 
 namespace internal {
 
+// Shapes of the tables below: rows and coefficients per row.
+inline constexpr int kErfRows = 5;
 inline constexpr int kErfRowSize = 13;
+inline constexpr int kErfcSize = 23;
+inline constexpr int kStirlingSize = 6;  // the constant C follows
+inline constexpr int kLogGammaMidRows = 5;
 inline constexpr int kLogGammaMidRowSize = 13;
+inline constexpr int kLogGammaLowRows = 7;
 inline constexpr int kLogGammaLowRowSize = 14;
-inline constexpr int kLogGammaSmallRowSize = 11;
-inline constexpr int kStirlingSize = 6;
+inline constexpr int kLogGammaSmallRowSize = 11;  // 2 rows
 inline constexpr int kNormalQuantileSize = 8;
 
 // Scale of the erfc variable t.

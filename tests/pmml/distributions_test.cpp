@@ -248,8 +248,10 @@ TEST(IncompleteBetaTest, LimitsAndClosedForms) {
     EXPECT_NEAR(TSXIncompleteBeta(x, 0.25, 1, status), std::pow(x, 0.25),
                 4 * kEps);
   }
-  // exp below -708 is not taken: I_x(a, 1) is then 0.
+  // exp below -708 is not taken: the value is then 0 (or its complement 1).
   EXPECT_EQ(TSXIncompleteBeta(1e-300, 3, 1, status), 0.0);
+  EXPECT_EQ(TSXIncompleteBeta(1e-3, 200, 3, status), 0.0);
+  EXPECT_EQ(TSXIncompleteBeta(1 - 1e-3, 3, 200, status), 1.0);
   EXPECT_EQ(TSXIncompleteBeta(1 - 1e-15, 1, 1e5, status), 1.0);
 }
 
@@ -374,6 +376,10 @@ TEST(InverseIncompleteBetaTest, SpecialCasesAndClosedForms) {
   }
   EXPECT_EQ(TSXInverseIncompleteBeta(0.5, 0.5), 0.5);
   EXPECT_EQ(TSXInverseIncompleteBeta(0.3, 1e21), 1.0);
+  // With a of 1e12 the density's exponent passes 709: the mean of the
+  // Beta(a, 1/2) distribution answers.
+  EXPECT_EQ(TSXInverseIncompleteBeta(0.3, 1e12), 1e12 / (1e12 + 0.5));
+  EXPECT_EQ(TSXInverseIncompleteBeta(0.7, 1e12), 1e12 / (1e12 + 0.5));
   EXPECT_EQ(TSXInverseIncompleteBeta(0.3, kInf), 1.0);
   for (int k = 1; k < 64; ++k) {
     const double p = k / 64.0;
