@@ -45,8 +45,11 @@ void TSXMLTreeImp::SetESPMMLOutputTimeValue(bool on) {
 bool TSXMLTreeImp::AddModelTree(TSFModel model, const TSXDictionaryRefs& refs) {
   if (statXMLOutput_) return false;
   if (pmmlOutput_) {
-    std::valarray<double> history;
-    if (!model.IsEmpty()) history = model.GetImp()->GetHistoryData();
+    // Copy-constructed, not assigned: a valarray whose assignment fails to
+    // allocate is left broken.
+    std::valarray<double> history(model.IsEmpty()
+                                      ? std::valarray<double>()
+                                      : model.GetImp()->GetHistoryData());
     return AddPMMLModelTree(model, refs, &history);
   }
   return AddXMLModelTree(model, refs);
