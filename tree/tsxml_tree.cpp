@@ -50,6 +50,10 @@ bool TSXMLTree::AddModelTree(TSFCrModel model, const TSXDictionaryRefs& refs) {
   return imp_ && imp_->AddModelTree(model, refs);
 }
 
+int TSXMLTree::AddDateSpec(const TSXDateSpec& spec, std::string descriptor) {
+  return imp_ ? imp_->AddDateSpec(spec, std::move(descriptor)) : 0;
+}
+
 int TSXMLTree::GetModelCount() const {
   return imp_ ? imp_->GetModelCount() : 0;
 }

@@ -14,6 +14,7 @@
 
 #include "modelapi/croston_model.h"
 #include "modelapi/model.h"
+#include "datespec/date_spec.h"
 #include "tree/dictionary_refs.h"
 #include "tsxml_export.h"
 
@@ -51,6 +52,11 @@ class TSXML_API TSXMLTree {
   // false, with the tree unchanged, when the references fail (they must name
   // no predictor) or the handle is empty.
   bool AddModelTree(TSFCrModel model, const TSXDictionaryRefs& refs);
+
+  // Registers a date specification (a deep copy) and returns the identifier
+  // to give TSXDictionaryRefs::SetDateSpecID; an equivalent specification
+  // registered before keeps its identifier and descriptor. 0 on a null handle.
+  int AddDateSpec(const TSXDateSpec& spec, std::string descriptor);
 
   // The number of models waiting for a native write.
   int GetModelCount() const;

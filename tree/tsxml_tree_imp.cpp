@@ -6,6 +6,7 @@
 
 #include "modelapi/forecast_state.h"
 #include "native/croston_element.h"
+#include "native/date_spec_element.h"
 #include "pmml/pmml_document.h"
 #include "tree/document_root.h"
 #include "tree/model_xml_tree_maker.h"
@@ -112,9 +113,29 @@ bool TSXMLTreeImp::AddModelTree(TSFCrModel model,
 }
 
 void TSXMLTreeImp::AppendModel(std::unique_ptr<XMLElement> element,
-                               const TSXDictionaryRefs&, unsigned int) {
+                               const TSXDictionaryRefs& refs,
+                               unsigned int index) {
   models_.push_back(element.get());
   element.release();
+  if (refs.GetDateSpecID() != 0) dateSpecs_[index].used = true;
+}
+
+int TSXMLTreeImp::AddDateSpec(const TSXDateSpec& spec, std::string descriptor) {
+  int largest = 0;
+  int id = 0;
+  for (const TSXDateSpecEntry& entry : dateSpecs_) {
+    if (spec.IsEquivalent(entry.spec, true)) {
+      id = entry.id;
+      break;
+    }
+    if (entry.id > largest) largest = entry.id;
+  }
+  if (id == 0) {
+    dateSpecs_.push_back(TSXDateSpecEntry{spec, largest + 1,
+                                          std::move(descriptor), false});
+    id = largest + 1;
+  }
+  return id;
 }
 
 bool TSXMLTreeImp::CheckDictRefs(const TSFModel* model,
@@ -124,7 +145,15 @@ bool TSXMLTreeImp::CheckDictRefs(const TSFModel* model,
   if (refs.GetModelName().empty() || refs.GetDependentVarID().empty()) {
     return false;
   }
-  if (refs.GetDateSpecID() != 0) return false;  // no date spec is registered
+  if (refs.GetDateSpecID() != 0) {
+    size_t position = 0;
+    while (position < dateSpecs_.size() &&
+           dateSpecs_[position].id != refs.GetDateSpecID()) {
+      ++position;
+    }
+    if (position == dateSpecs_.size()) return false;
+    index = static_cast<unsigned int>(position);
+  }
   const size_t predictors = model ? model->GetPredictorCount() : 0;
   if (refs.GetPredictorIDs().size() != predictors) return false;
   for (const std::string& id : refs.GetPredictorIDs()) {
@@ -146,6 +175,12 @@ bool TSXMLTreeImp::WriteXMLToStream(std::ostream& os, bool complete) {
   std::unique_ptr<XMLElement> root(
       tsxml::MakeDocumentRoot(applicationName_, applicationVersion_));
   std::unique_ptr<XMLElement> dictionary(XMLElement::Create("DataDictionary"));
+  for (const TSXDateSpecEntry& entry : dateSpecs_) {
+    if (!entry.used) continue;
+    std::unique_ptr<XMLElement> dateSpec(tsxml::MakeDateSpecificationElement(
+        entry.spec, entry.descriptor, entry.id));
+    dictionary->AddElement(dateSpec.release());
+  }
   root->AddElement(dictionary.release());
 
   ChildLoan loan(*root, models_);
@@ -154,5 +189,6 @@ bool TSXMLTreeImp::WriteXMLToStream(std::ostream& os, bool complete) {
   root->ToStream(os, format, false);
   loan.Keep();
   models_.clear();  // the root owns them now and deletes them with itself
+  dateSpecs_.clear();
   return true;
 }

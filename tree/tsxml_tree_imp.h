@@ -5,6 +5,7 @@
 #ifndef TSXML_TREE_TSXML_TREE_IMP_H
 #define TSXML_TREE_TSXML_TREE_IMP_H
 
+#include <deque>
 #include <iosfwd>
 #include <memory>
 #include <string>
@@ -14,6 +15,7 @@
 #include "modelapi/croston_model.h"
 #include "modelapi/model.h"
 #include "modelapi/ref_counted.h"
+#include "tree/date_spec_entry.h"
 #include "tree/dictionary_refs.h"
 #include "tsxml_export.h"
 
@@ -51,6 +53,11 @@ class TSXML_API TSXMLTreeImp : public TSRCObject {
   bool AddModelTree(TSFCrModel model, const TSXDictionaryRefs& refs);
   int GetModelCount() const;
 
+  // Registers a date specification and returns its identifier: that of the
+  // first strictly equivalent entry (whose descriptor stays), or a new one,
+  // one above the largest so far.
+  int AddDateSpec(const TSXDateSpec& spec, std::string descriptor);
+
   // Writes by the mode in force. Native mode: false (nothing written) when no
   // model is waiting. `complete` false writes the bare model elements.
   bool WriteToStream(std::ostream& os, bool complete);
@@ -75,6 +82,7 @@ class TSXML_API TSXMLTreeImp : public TSRCObject {
                      unsigned int& index) const;
 
   std::vector<OstraTimeXML::XMLElement*> models_;
+  std::deque<TSXDateSpecEntry> dateSpecs_;
   std::string applicationName_;
   std::string applicationVersion_;
   std::string applicationCopyright_;
