@@ -81,6 +81,7 @@ bool TSXMLTreeImp::WritePMMLToStream(std::ostream& os, bool complete) {
 
 bool TSXMLTreeImp::AddXMLModelTree(TSFModel& model,
                                    const TSXDictionaryRefs& refs) {
+  if (model.IsEmpty() || !model.GetImp()->GetForecastState()) return false;
   unsigned int index = 0;
   if (!CheckDictRefs(&model, refs, index)) return false;
   const TSFModelImp* imp = model.GetImp();

@@ -199,6 +199,12 @@ TEST(CheckDictRefsTest, RefusedReferencesLeaveTheTreeUnchanged) {
                              kSimpleElement + "\n</TSCXML>");
 }
 
+TEST(CheckDictRefsTest, EmptyModelHandleIsRefused) {
+  TSXMLTree tree;
+  EXPECT_FALSE(tree.AddModelTree(TSFModel(), TSXDictionaryRefs("S", "", "y")));
+  EXPECT_EQ(tree.GetModelCount(), 0);
+}
+
 TEST(CheckDictRefsTest, UnwritableModelIsRefused) {
   TSXMLTree tree;
   EXPECT_FALSE(tree.AddModelTree(
