@@ -1,10 +1,14 @@
 #include "modelapi/stat_util.h"
 
 #include "modelapi/missing_value.h"
+#include "pmml/distributions.h"
 
 namespace TSStatUtil {
 
-// Served by the Student's t distribution function once it is built in.
-double CDFStudentsT(double, double) { return MV::gMissingValue; }
+double CDFStudentsT(double t, double df) {
+  int status = 0;
+  const double p = TSXStudentTCDF(t, df, status);
+  return status == 0 ? p : MV::gMissingValue;
+}
 
 }  // namespace TSStatUtil
