@@ -3,6 +3,7 @@
 #include <ostream>
 #include <utility>
 
+#include "datespec/date_spec.h"
 #include "modelapi/forecast_state.h"
 #include "native/vendor.h"
 #include "pmml/pmml_elements.h"
@@ -65,6 +66,26 @@ void AddFullDataField(XMLElement& dictionary, const std::string& name,
 
 }  // namespace
 
+bool TimeFieldOfPeriod(int periodType, std::string& name, std::string& type) {
+  constexpr int kCount = sizeof kTimeFields / sizeof kTimeFields[0];
+  if (periodType < 0 || periodType >= kCount) return false;
+  name = kTimeFields[periodType].name;
+  type = kTimeFields[periodType].type;
+  return true;
+}
+
+bool TimeFieldOfDateSpec(const TSXDateSpec& spec, std::string& name,
+                         std::string& type) {
+  bool found = false;
+  for (unsigned i = 0; i < spec.PeriodCount(); ++i) {
+    TSXDateSpec::PeriodType periodType = TSXDateSpec::SimpleSequence;
+    unsigned cycleLength = 0, subCycleStart = 0, subCycleLength = 0;
+    spec.GetPeriod(i, periodType, cycleLength, subCycleStart, subCycleLength);
+    if (TimeFieldOfPeriod(periodType, name, type)) found = true;
+  }
+  return found;
+}
+
 TSXPMMLDocument::TSXPMMLDocument()
     : applicationName_("TimeSeriesApp"),
       applicationVersion_("4.0"),
@@ -90,14 +111,10 @@ void TSXPMMLDocument::SetDateFieldType(std::string type) {
   dateFieldType_ = std::move(type);
 }
 
-bool TSXPMMLDocument::SetDateFieldFromPeriod(int periodType) {
-  constexpr int kCount = sizeof kTimeFields / sizeof kTimeFields[0];
-  if (periodType < 0 || periodType >= kCount) return false;
-  std::string name = kTimeFields[periodType].name;
-  std::string type = kTimeFields[periodType].type;
-  dateFieldName_.swap(name);
-  SetDateFieldType(std::move(type));
-  return true;
+void TSXPMMLDocument::SetDateField(std::string name,
+                                   std::string type) noexcept {
+  dateFieldName_ = std::move(name);
+  dateFieldType_ = std::move(type);
 }
 
 bool TSXPMMLDocument::AddModel(const TSFModel& model,

@@ -19,10 +19,20 @@
 class ESForecastState;
 class ESModelSpec;
 class EstimationInfo;
+class TSXDateSpec;
 
 namespace tsxml {
 
 using OstraTimeXML::XMLElement;
+
+// The time field of a date specification period type, such as "Month" and
+// "date"; false, with `name` and `type` untouched, for a type outside 0..10.
+bool TimeFieldOfPeriod(int periodType, std::string& name, std::string& type);
+
+// The time field of the last period of `spec` whose type has one; false, with
+// `name` and `type` untouched, when no period has one.
+bool TimeFieldOfDateSpec(const TSXDateSpec& spec, std::string& name,
+                         std::string& type);
 
 // Owns the model elements it built and deletes them with itself. Nothing here
 // reports a failure; an allocation failure passes through and leaves the
@@ -45,9 +55,8 @@ class TSXPMMLDocument {
   // documents name the field "Month", of type "date".
   void SetDateFieldName(std::string name);
   void SetDateFieldType(std::string type);
-  // Sets the time field from the period type of a date specification; false,
-  // and nothing changed, for a type without a time field name.
-  bool SetDateFieldFromPeriod(int periodType);
+  // Sets both at once; moves only, so nothing can fail.
+  void SetDateField(std::string name, std::string type) noexcept;
 
   // Whether exponential smoothing models added from now on carry their
   // observed series in a "TimeSeries" element.

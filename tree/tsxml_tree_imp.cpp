@@ -76,7 +76,17 @@ bool TSXMLTreeImp::AddPMMLModelTree(TSFModel& model,
 bool TSXMLTreeImp::WritePMMLToStream(std::ostream& os, bool complete) {
   pmmlDocument_->SetApplication(applicationName_, applicationVersion_,
                                 applicationCopyright_);
-  return pmmlDocument_->Write(os, complete, nullptr);
+  // Every registered date specification, used by a model or not.
+  std::unique_ptr<XMLElement> extension;
+  if (!dateSpecs_.empty()) {
+    extension.reset(XMLElement::Create("Extension"));
+    for (const TSXDateSpecEntry& entry : dateSpecs_) {
+      std::unique_ptr<XMLElement> dateSpec(tsxml::MakeDateSpecificationElement(
+          entry.spec, entry.descriptor, entry.id));
+      extension->AddElement(dateSpec.release());
+    }
+  }
+  return pmmlDocument_->Write(os, complete, extension.release());
 }
 
 bool TSXMLTreeImp::AddXMLModelTree(TSFModel& model,
@@ -122,6 +132,10 @@ void TSXMLTreeImp::AppendModel(std::unique_ptr<XMLElement> element,
 }
 
 int TSXMLTreeImp::AddDateSpec(const TSXDateSpec& spec, std::string descriptor) {
+  // The PMML time field of `spec`, made before anything changes and moved in
+  // last, so that a failure changes nothing.
+  std::string fieldName, fieldType;
+  const bool timeField = tsxml::TimeFieldOfDateSpec(spec, fieldName, fieldType);
   int largest = 0;
   int id = 0;
   for (const TSXDateSpecEntry& entry : dateSpecs_) {
@@ -135,6 +149,9 @@ int TSXMLTreeImp::AddDateSpec(const TSXDateSpec& spec, std::string descriptor) {
     dateSpecs_.push_back(TSXDateSpecEntry{spec, largest + 1,
                                           std::move(descriptor), false});
     id = largest + 1;
+  }
+  if (timeField) {
+    pmmlDocument_->SetDateField(std::move(fieldName), std::move(fieldType));
   }
   return id;
 }

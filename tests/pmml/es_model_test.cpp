@@ -280,10 +280,10 @@ TEST(ESModelTest, TransformationMissingRMSEAndInfinityAsTheyPrint) {
 
 TEST(ESModelTest, TimeFieldOfTheMiningSchemaIsReadWhenTheModelIsAdded) {
   TSXPMMLDocument document;
-  document.SetDateFieldFromPeriod(6);  // Day
+  document.SetDateField("Day", "date");
   const TSFModel model = MakeTypeModel(ESModelSpec::ESSimple);
   document.AddModel(model, TSXDictionaryRefs("M", "", "y"), {});
-  document.SetDateFieldFromPeriod(7);  // Hour
+  document.SetDateField("Hour", "time");
   document.AddModel(model, TSXDictionaryRefs("M", "", "y"), {});
   ASSERT_EQ(document.GetModelElementCount(), 2u);
   EXPECT_EQ(Text(*document.GetModelElement(0)).substr(0, Head("Day").size()),

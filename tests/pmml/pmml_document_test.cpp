@@ -7,10 +7,14 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <utility>
 
+#include "datespec/date_spec.h"
 #include "modelapi/forecast_model.h"
+#include "native/date_spec_element.h"
 #include "pmml_test_util.h"
 #include "support/model_fixtures.h"
+#include "tree/date_spec_entry.h"
 #include "tree/tsxml_tree.h"
 #include "tree/tsxml_tree_imp.h"
 
@@ -181,34 +185,57 @@ TEST(PMMLDocumentTest, WritesAreRepeatableAndLaterModelsJoin) {
             first.substr(0, first.size() - kRootEnd.size()));
 }
 
-TEST(PMMLDocumentTest, TimeFieldOfEachPeriodType) {
-  const struct {
-    const char* name;
-    const char* type;
-  } rows[] = {{"SimpleSequence", "time"},
-              {"Cycle", "date"},
-              {"Year", "date"},
-              {"Quarter", "date"},
-              {"Month", "date"},
-              {"Week", "date"},
-              {"Day", "date"},
-              {"Hour", "time"},
-              {"Minute", "time"},
-              {"Second", "time"},
-              {"Obs", "time"}};
+TEST(TimeFieldTest, EachPeriodTypeAndTypesOutsideTheTable) {
+  const char* const rows[][2] = {{"SimpleSequence", "time"},
+                                 {"Cycle", "date"},
+                                 {"Year", "date"},
+                                 {"Quarter", "date"},
+                                 {"Month", "date"},
+                                 {"Week", "date"},
+                                 {"Day", "date"},
+                                 {"Hour", "time"},
+                                 {"Minute", "time"},
+                                 {"Second", "time"},
+                                 {"Obs", "time"}};
   for (int type = 0; type < 11; ++type) {
-    TSXPMMLDocument document;
-    EXPECT_TRUE(document.SetDateFieldFromPeriod(type));
-    EXPECT_EQ(WriteText(document, false),
-              kRootStart + kDefaultHeader +
-                  ESDictionary("", rows[type].name, rows[type].type) + kRootEnd)
-        << type;
+    std::string name, fieldType;
+    EXPECT_TRUE(tsxml::TimeFieldOfPeriod(type, name, fieldType));
+    EXPECT_EQ(name, rows[type][0]);
+    EXPECT_EQ(fieldType, rows[type][1]);
   }
-  // A type outside the table changes nothing.
+  for (const int type : {-1, 11, 1000}) {
+    std::string name = "n", fieldType = "t";
+    EXPECT_FALSE(tsxml::TimeFieldOfPeriod(type, name, fieldType));
+    EXPECT_EQ(name + fieldType, "nt");
+  }
+}
+
+TEST(TimeFieldTest, LastPeriodWithAKnownTypeDecides) {
+  std::string name, type;
+  TSXDateSpec days(TSXDateSpec::Week);
+  ASSERT_TRUE(days.AddPeriod(TSXDateSpec::Day, 7, 0, 5).IsOK());
+  EXPECT_TRUE(tsxml::TimeFieldOfDateSpec(days, name, type));
+  EXPECT_EQ(name + " " + type, "Day date");
+  ASSERT_TRUE(days.AddPeriod(TSXDateSpec::Hour, 24, 0, 0).IsOK());
+  EXPECT_TRUE(tsxml::TimeFieldOfDateSpec(days, name, type));
+  EXPECT_EQ(name + " " + type, "Hour time");
+
+  // A period of a type outside the table is skipped.
+  TSXDateSpec unknown(static_cast<TSXDateSpec::PeriodType>(42));
+  name = "kept";
+  EXPECT_FALSE(tsxml::TimeFieldOfDateSpec(unknown, name, type));
+  EXPECT_EQ(name, "kept");
+  TSXDateSpec yearThenUnknown(TSXDateSpec::Year);
+  ASSERT_TRUE(yearThenUnknown
+                  .AddPeriod(static_cast<TSXDateSpec::PeriodType>(42), 4, 0, 0)
+                  .IsOK());
+  EXPECT_TRUE(tsxml::TimeFieldOfDateSpec(yearThenUnknown, name, type));
+  EXPECT_EQ(name + " " + type, "Year date");
+}
+
+TEST(PMMLDocumentTest, TimeFieldOfTheDictionary) {
   TSXPMMLDocument document;
-  ASSERT_TRUE(document.SetDateFieldFromPeriod(7));
-  EXPECT_FALSE(document.SetDateFieldFromPeriod(11));
-  EXPECT_FALSE(document.SetDateFieldFromPeriod(-1));
+  document.SetDateField("Hour", "time");
   EXPECT_EQ(WriteText(document, false), kRootStart + kDefaultHeader +
                                             ESDictionary("", "Hour", "time") +
                                             kRootEnd);
@@ -299,6 +326,105 @@ TEST(PMMLTreeTest, NullHandleIgnoresTheTimeValueSwitch) {
   std::ostringstream out;
   EXPECT_FALSE(tree.WriteToStream(out));
   EXPECT_EQ(out.str(), "");
+}
+
+TSXDateSpec Monthly(unsigned firstYear) {
+  TSXDateSpec spec(TSXDateSpec::Year);
+  spec.AddPeriod(TSXDateSpec::Month, 12, 0, 0);
+  TSXDateSpec::TSXIndexTuple first(spec);
+  first.SetIndexes({firstYear, 2});
+  spec.SetFirstCaseIndex(first);
+  return spec;
+}
+
+TSXDateSpec Daily() {
+  TSXDateSpec spec(TSXDateSpec::Week);
+  spec.AddPeriod(TSXDateSpec::Day, 7, 0, 5);
+  return spec;
+}
+
+// The "Extension" of DataDictionary holding the elements of `entries`.
+std::string ExtensionOf(
+    std::initializer_list<std::pair<const TSXDateSpecEntry*, int>> entries) {
+  std::string text = "\n\t\t<Extension>";
+  for (const auto& [entry, id] : entries) {
+    std::unique_ptr<XMLElement> element(tsxml::MakeDateSpecificationElement(
+        entry->spec, entry->descriptor, id));
+    text += Text(*element, 3);
+  }
+  return text + "\n\t\t</Extension>";
+}
+
+std::string WriteTree(TSXMLTree& tree) {
+  std::ostringstream out;
+  tree.WriteToStream(out);
+  return out.str();
+}
+
+TEST(PMMLTreeTest, EveryDateSpecificationAndTheTimeFieldOfTheLastRegistered) {
+  TSXMLTree tree;
+  tree.SetPMMLOutput(true);
+  const TSXDateSpecEntry monthly{Monthly(2001), 1, "monthly", false};
+  const TSXDateSpecEntry daily{Daily(), 2, "", false};
+  EXPECT_EQ(tree.AddDateSpec(monthly.spec, "monthly"), 1);
+  EXPECT_EQ(tree.AddDateSpec(daily.spec, ""), 2);
+  // The model refers to the monthly specification; the daily one, which no
+  // model refers to, is written as well, and its period names the time field.
+  TSXDictionaryRefs refs("M", "", "y");
+  refs.SetDateSpecID(1);
+  const TSFModel model = MakeTypeModel(ESModelSpec::ESSimple);
+  ASSERT_TRUE(tree.AddModelTree(model, refs));
+
+  TSXPMMLDocument replica;  // the model as it was added: time field "Day"
+  replica.SetDateField("Day", "date");
+  replica.AddModel(model, refs, {});
+  const std::string extension = ExtensionOf({{&monthly, 1}, {&daily, 2}});
+  EXPECT_EQ(WriteTree(tree), kDeclaration + kRootStart + kDefaultHeader +
+                                 ESDictionary("y", "Day", "date", extension) +
+                                 Models(replica) + kRootEnd);
+
+  // An equivalent specification keeps its identifier and descriptor but sets
+  // the time field again: DataDictionary names "Month" now, while the model
+  // added before keeps "Day" in its mining schema.
+  EXPECT_EQ(tree.AddDateSpec(Monthly(2001), "again"), 1);
+  EXPECT_EQ(WriteTree(tree), kDeclaration + kRootStart + kDefaultHeader +
+                                 ESDictionary("y", "Month", "date", extension) +
+                                 Models(replica) + kRootEnd);
+}
+
+TEST(PMMLTreeTest, WritingKeepsTheRegistry) {
+  TSXMLTree tree;
+  tree.SetPMMLOutput(true);
+  const TSXDateSpecEntry first{Monthly(1990), 1, "a", false};
+  const TSXDateSpecEntry second{Monthly(2001), 2, "b", false};
+  tree.AddDateSpec(first.spec, "a");
+  const std::string before = WriteTree(tree);
+  EXPECT_EQ(before,
+            kDeclaration + kRootStart + kDefaultHeader +
+                ESDictionary("", "Month", "date", ExtensionOf({{&first, 1}})) +
+                kRootEnd);
+  EXPECT_EQ(tree.AddDateSpec(second.spec, "b"), 2);
+  EXPECT_EQ(WriteTree(tree),
+            kDeclaration + kRootStart + kDefaultHeader +
+                ESDictionary("", "Month", "date",
+                             ExtensionOf({{&first, 1}, {&second, 2}})) +
+                kRootEnd);
+}
+
+TEST(PMMLTreeTest, ARIMAModelLastLeavesTheDateSpecificationsOut) {
+  TSXMLTree tree;
+  tree.SetPMMLOutput(true);
+  tree.AddDateSpec(Daily(), "days");
+  tree.AddModelTree(MakeTypeModel(ESModelSpec::ESSimple),
+                    TSXDictionaryRefs("A", "", "y"));
+  EXPECT_NE(WriteTree(tree).find("<DateSpecification"), std::string::npos);
+  tree.AddModelTree(MakeARIMAModel(), TSXDictionaryRefs("B", "", "z", {"x"}));
+  const std::string arima = WriteTree(tree);
+  EXPECT_EQ(arima.find("<DateSpecification"), std::string::npos);
+  EXPECT_NE(arima.find("numberOfFields=\"2\""), std::string::npos);
+  tree.AddModelTree(MakeTypeModel(ESModelSpec::ESSimple),
+                    TSXDictionaryRefs("C", "", "y"));
+  EXPECT_NE(WriteTree(tree).find("<DateSpecification"), std::string::npos);
 }
 
 }  // namespace

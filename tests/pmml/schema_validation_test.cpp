@@ -12,6 +12,7 @@
 #include <sstream>
 #include <string>
 
+#include "datespec/date_spec.h"
 #include "modelapi/forecast_model.h"
 #include "pmml_test_util.h"
 #include "tree/tsxml_tree.h"
@@ -97,11 +98,37 @@ class SchemaValidationTest : public ::testing::Test {
 };
 
 // A PMML tree with the models of `types`, each on its own variable.
+// Registers three date specifications: years and months from March 2001, a
+// five-day week with a gap and a first case day, and hours of the day (the
+// last one sets the time field, of type "time").
+void AddDateSpecs(TSXMLTree& tree) {
+  TSXDateSpec monthly(TSXDateSpec::Year);
+  monthly.AddPeriod(TSXDateSpec::Month, 12, 0, 0);
+  TSXDateSpec::TSXIndexTuple first(monthly);
+  first.SetIndexes({2001, 2});
+  monthly.SetFirstCaseIndex(first);
+  tree.AddDateSpec(monthly, "monthly & more");
+
+  TSXDateSpec days(TSXDateSpec::Week);
+  days.AddPeriod(TSXDateSpec::Day, 7, 0, 5);
+  days.AddGap(3);
+  days.SetFirstCaseDay(5, 3, 2024);
+  tree.AddDateSpec(days, "");
+
+  TSXDateSpec hours(TSXDateSpec::Day);
+  hours.AddPeriod(TSXDateSpec::Hour, 24, 0, 0);
+  hours.SetLowestIncrement(2);
+  tree.AddDateSpec(hours, "every other hour");
+}
+
+// A PMML tree with the models of `types`, each on its own variable.
 std::string Document(std::initializer_list<int> types,
-                     const ModelOptions& options = {}, bool timeSeries = true) {
+                     const ModelOptions& options = {}, bool timeSeries = true,
+                     bool dateSpecs = true) {
   TSXMLTree tree;
   tree.SetPMMLOutput(true);
   tree.SetESPMMLOutputTimeValue(timeSeries);
+  if (dateSpecs) AddDateSpecs(tree);
   for (const int type : types) {
     tree.AddModelTree(MakeTypeModel(type, options),
                       TSXDictionaryRefs(kTypeNames[type], "", "y"));
@@ -123,16 +150,22 @@ std::string Patch(std::string text, const std::string& after,
   return text.replace(at, from.size(), to);
 }
 
-TEST_F(SchemaValidationTest, EveryTypeWithAndWithoutTimeSeries) {
+TEST_F(SchemaValidationTest, EveryTypeWithAndWithoutTimeSeriesAndDateSpecs) {
   ModelOptions options;
   options.history = {3, 4.5, MV::gMissingValue, 6};  // a missing observation
   for (int type = 0; type < kTypeCount; ++type) {
     for (const bool timeSeries : {true, false}) {
-      const std::string document = Document({type}, options, timeSeries);
-      ASSERT_EQ(document.find("<TimeValue") != std::string::npos, timeSeries);
-      ExpectValid(std::string(kTypeNames[type]) +
-                      (timeSeries ? " with TimeSeries" : " without TimeSeries"),
-                  document);
+      for (const bool dateSpecs : {true, false}) {
+        const std::string document =
+            Document({type}, options, timeSeries, dateSpecs);
+        ASSERT_EQ(document.find("<TimeValue") != std::string::npos, timeSeries);
+        ASSERT_EQ(document.find("<DateSpecification") != std::string::npos,
+                  dateSpecs);
+        ExpectValid(std::string(kTypeNames[type]) +
+                        (timeSeries ? " with" : " without") + " TimeSeries," +
+                        (dateSpecs ? " with" : " without") + " date specs",
+                    document);
+      }
     }
   }
 }
@@ -143,6 +176,7 @@ TEST_F(SchemaValidationTest, AllTypesInOneDocumentAndTheEmptyDocument) {
   options.seasonLength = 12;
   ExpectValid("seven models", Document({0, 1, 2, 3, 4, 5, 6}, options));
   ExpectValid("no model", Document({}));
+  ExpectValid("no model, no date specs", Document({}, {}, true, false));
 }
 
 TEST_F(SchemaValidationTest, MissingFinalStateOfNonSeasonalModels) {

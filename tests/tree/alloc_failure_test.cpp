@@ -6,6 +6,7 @@
 #include <ostream>
 #include <sstream>
 
+#include "datespec/date_spec.h"
 #include "modelapi/forecast_model.h"
 #include "support/arima_fixtures.h"
 #include "support/failing_allocator.h"
@@ -138,12 +139,16 @@ TEST(AllocationFailureTest, WriteARIMAAndCrostonModels) {
       3);
 }
 
-// A PMML tree with `count` models: a simple one on "y", then seasonal ones
-// with a history on "z", so that the last add changes DataDictionary.
+// A PMML tree with a date specification and `count` models: a simple one on
+// "y", then seasonal ones with a history on "z", so that the last add changes
+// DataDictionary.
 TSXMLTree MakePMMLTree(int count) {
   TSXMLTree tree;
   tree.SetPMMLOutput(true);
   tree.SetApplication("app", "1", "");
+  TSXDateSpec monthly(TSXDateSpec::Year);
+  monthly.AddPeriod(TSXDateSpec::Month, 12, 0, 0);
+  tree.AddDateSpec(monthly, "monthly");
   for (int i = 0; i < count; ++i) {
     tree.AddModelTree(i == 0 ? MakeSimpleModel() : MakeSeasonalModel({5, 6, 7}),
                       TSXDictionaryRefs("M", "", i == 0 ? "y" : "z"));
