@@ -10,6 +10,7 @@
 #include <memory>
 #include <valarray>
 
+#include "datespec/date_spec.h"
 #include "modelapi/forecast_model.h"
 #include "tree/tsxml_tree.h"
 
@@ -177,15 +178,24 @@ int WriteNative() {
 }
 
 // The PMML document of the exponential smoothing models. The model added
-// last decides the data dictionary, here the monthly visitors.
+// last decides the data dictionary, here the monthly visitors, and the date
+// specification registered last names its time field ("Month").
 int WritePMML() {
   TSXMLTree tree;
   tree.SetPMMLOutput(true);
   tree.SetApplication("tsxml example", "1.0", "");
+
+  TSXDateSpec monthly(TSXDateSpec::Year);
+  monthly.AddPeriod(TSXDateSpec::Month, 12, 0, 0);
+  TSXDateSpec::TSXIndexTuple january2019(monthly);
+  january2019.SetIndexes({2019, 0});
+  monthly.SetFirstCaseIndex(january2019);
+  TSXDictionaryRefs visitors("Visitors", "", "visitors");
+  visitors.SetDateSpecID(tree.AddDateSpec(monthly, "Months from 2019"));
+
   tree.AddModelTree(MakeSimpleModel(),
                     TSXDictionaryRefs("Calls", "Weekly call volume", "calls"));
-  tree.AddModelTree(MakeWintersModel(),
-                    TSXDictionaryRefs("Visitors", "", "visitors"));
+  tree.AddModelTree(MakeWintersModel(), visitors);
   tree.WriteToStream(std::cout);
   std::cout << '\n';
   return 0;
