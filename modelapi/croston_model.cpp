@@ -25,20 +25,3 @@ const ESForecastState* TSFCrModelImp::GetForecastState(int which) const {
       return nullptr;
   }
 }
-
-TSFCrModel::TSFCrModel(TSFCrModelImp* imp) : imp_(imp) {
-  if (imp_) imp_->addReference();
-}
-
-TSFCrModel::TSFCrModel(const TSFCrModel& other) : TSFCrModel(other.imp_) {}
-
-TSFCrModel& TSFCrModel::operator=(const TSFCrModel& other) {
-  if (other.imp_) other.imp_->addReference();
-  if (imp_) imp_->removeReference();
-  imp_ = other.imp_;
-  return *this;
-}
-
-TSFCrModel::~TSFCrModel() {
-  if (imp_) imp_->removeReference();
-}

@@ -43,20 +43,10 @@ class TSXML_API TSFCrModelImp : public TSRCObject {
 
 // A counted handle on a TSFCrModelImp; the default handle is empty. Copies
 // share the model; the last handle to go deletes it.
-class TSXML_API TSFCrModel {
+class TSXML_API TSFCrModel : public TSRCHandle<TSFCrModelImp> {
  public:
-  TSFCrModel() = default;
-  // Takes a reference on `imp`, which may be null.
-  explicit TSFCrModel(TSFCrModelImp* imp);
-  TSFCrModel(const TSFCrModel& other);
-  TSFCrModel& operator=(const TSFCrModel& other);
-  ~TSFCrModel();
-
-  TSFCrModelImp* GetImp() const { return imp_; }
-  bool IsEmpty() const { return imp_ == nullptr; }
-
- private:
-  TSFCrModelImp* imp_ = nullptr;
+  // The empty handle, or one that takes a reference on `imp` (may be null).
+  using TSRCHandle::TSRCHandle;
 };
 
 #endif  // TSXML_MODELAPI_CROSTON_MODEL_H

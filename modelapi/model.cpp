@@ -52,36 +52,19 @@ double TSFESModelProp::GetParameterStdError(int position) const {
   return At(stdErrors_, position);
 }
 
-TSFModel::TSFModel(TSFModelImp* imp) : imp_(imp) {
-  if (imp_) imp_->addReference();
-}
-
-TSFModel::TSFModel(const TSFModel& other) : imp_(other.imp_) {
-  if (imp_) imp_->addReference();
-}
-
-TSFModel& TSFModel::operator=(const TSFModel& other) {
-  if (other.imp_) other.imp_->addReference();
-  if (imp_) imp_->removeReference();
-  imp_ = other.imp_;
-  return *this;
-}
-
-TSFModel::~TSFModel() {
-  if (imp_) imp_->removeReference();
-}
-
 unsigned TSFModel::GetPredictorCount() const {
   const auto* arima =
-      dynamic_cast<const ARMAForecastState*>(imp_->GetForecastState());
+      dynamic_cast<const ARMAForecastState*>(GetImp()->GetForecastState());
   return arima ? arima->GetAMModelSpec().GetXCount() : 0;
 }
 
 uint64_t TSFModel::GetDegreesOfFreedom() const {
-  return imp_->GetEstimationInfo().GetDegreesOfFreedom();
+  return GetImp()->GetEstimationInfo().GetDegreesOfFreedom();
 }
 
-TSSpan TSFModel::GetSpan() const { return imp_->GetEstimationInfo().GetSpan(); }
+TSSpan TSFModel::GetSpan() const {
+  return GetImp()->GetEstimationInfo().GetSpan();
+}
 
 double TSFModel::GetGOFStat(const std::string& key) const {
   static constexpr struct {
@@ -98,7 +81,7 @@ double TSFModel::GetGOFStat(const std::string& key) const {
   };
   for (const auto& entry : kKeys) {
     if (key == entry.key) {
-      return imp_->GetEstimationInfo().GetGOFStat(entry.type);
+      return GetImp()->GetEstimationInfo().GetGOFStat(entry.type);
     }
   }
   return MV::gMissingValue;
@@ -106,21 +89,22 @@ double TSFModel::GetGOFStat(const std::string& key) const {
 
 TSFModel::LBStat TSFModel::GetLBStat() const {
   LBStat stat;
-  imp_->GetEstimationInfo().GetLBStat(stat.q, stat.lags, stat.degreesOfFreedom,
-                                      stat.significance);
+  GetImp()->GetEstimationInfo().GetLBStat(
+      stat.q, stat.lags, stat.degreesOfFreedom, stat.significance);
   return stat;
 }
 
 TSFModelProp* TSFModel::GetModelProperties() const {
-  const ForecastState* state = imp_->GetForecastState();
+  const ForecastState* state = GetImp()->GetForecastState();
   if (const auto* es = dynamic_cast<const ESForecastState*>(state)) {
     return new TSFESModelProp(es->GetESModelSpec(), es->GetParameters(),
                               es->GetParameterStdErrors());
   }
   if (const auto* arima = dynamic_cast<const ARMAForecastState*>(state)) {
     const AMModelSpec& spec = arima->GetAMModelSpec();
-    return new TSFModelProp(0, spec.GetSeasonLength(true),
-                            TSTransformation(spec.GetYTransformSpec().function));
+    return new TSFModelProp(
+        0, spec.GetSeasonLength(true),
+        TSTransformation(spec.GetYTransformSpec().function));
   }
   return new TSFModelProp(0, 1, TSTransformation());
 }

@@ -80,7 +80,7 @@ class TSXML_API TSFESModelProp : public TSFModelProp {
 // A counted handle on a TSFModelImp; the default handle is empty. Copies
 // share the model; the last handle to go deletes it. Every query but IsEmpty
 // expects a model behind the handle.
-class TSXML_API TSFModel {
+class TSXML_API TSFModel : public TSRCHandle<TSFModelImp> {
  public:
   // The Ljung-Box statistic of the residuals.
   struct LBStat {
@@ -90,15 +90,8 @@ class TSXML_API TSFModel {
     double significance;
   };
 
-  TSFModel() = default;
-  // Takes a reference on `imp`, which may be null.
-  explicit TSFModel(TSFModelImp* imp);
-  TSFModel(const TSFModel& other);
-  TSFModel& operator=(const TSFModel& other);
-  ~TSFModel();
-
-  TSFModelImp* GetImp() const { return imp_; }
-  bool IsEmpty() const { return imp_ == nullptr; }
+  // The empty handle, or one that takes a reference on `imp` (may be null).
+  using TSRCHandle::TSRCHandle;
 
   // The predictors of an ARIMA model; 0 for other models.
   unsigned GetPredictorCount() const;
@@ -112,9 +105,6 @@ class TSXML_API TSFModel {
   // A TSFESModelProp for an exponential smoothing model, a TSFModelProp of
   // kind 0 for an ARIMA model. Caller owns the result.
   TSFModelProp* GetModelProperties() const;
-
- private:
-  TSFModelImp* imp_ = nullptr;
 };
 
 #endif  // TSXML_MODELAPI_MODEL_H
