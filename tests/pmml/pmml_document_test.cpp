@@ -13,6 +13,7 @@
 #include "modelapi/forecast_model.h"
 #include "native/date_spec_element.h"
 #include "pmml_test_util.h"
+#include "support/date_spec_fixtures.h"
 #include "support/model_fixtures.h"
 #include "tree/date_spec_entry.h"
 #include "tree/tsxml_tree.h"
@@ -26,6 +27,7 @@ using pmml_test::ModelOptions;
 using pmml_test::WriteText;
 using testing_support::BasicInfo;
 using testing_support::Lines;
+using testing_support::MonthlyDateSpec;
 using testing_support::Text;
 using tsxml::TSXPMMLDocument;
 
@@ -328,15 +330,6 @@ TEST(PMMLTreeTest, NullHandleIgnoresTheTimeValueSwitch) {
   EXPECT_EQ(out.str(), "");
 }
 
-TSXDateSpec Monthly(unsigned firstYear) {
-  TSXDateSpec spec(TSXDateSpec::Year);
-  spec.AddPeriod(TSXDateSpec::Month, 12, 0, 0);
-  TSXDateSpec::TSXIndexTuple first(spec);
-  first.SetIndexes({firstYear, 2});
-  spec.SetFirstCaseIndex(first);
-  return spec;
-}
-
 TSXDateSpec Daily() {
   TSXDateSpec spec(TSXDateSpec::Week);
   spec.AddPeriod(TSXDateSpec::Day, 7, 0, 5);
@@ -364,7 +357,7 @@ std::string WriteTree(TSXMLTree& tree) {
 TEST(PMMLTreeTest, EveryDateSpecificationAndTheTimeFieldOfTheLastRegistered) {
   TSXMLTree tree;
   tree.SetPMMLOutput(true);
-  const TSXDateSpecEntry monthly{Monthly(2001), 1, "monthly", false};
+  const TSXDateSpecEntry monthly{MonthlyDateSpec(2001, 2), 1, "monthly", false};
   const TSXDateSpecEntry daily{Daily(), 2, "", false};
   EXPECT_EQ(tree.AddDateSpec(monthly.spec, "monthly"), 1);
   EXPECT_EQ(tree.AddDateSpec(daily.spec, ""), 2);
@@ -386,7 +379,7 @@ TEST(PMMLTreeTest, EveryDateSpecificationAndTheTimeFieldOfTheLastRegistered) {
   // An equivalent specification keeps its identifier and descriptor but sets
   // the time field again: DataDictionary names "Month" now, while the model
   // added before keeps "Day" in its mining schema.
-  EXPECT_EQ(tree.AddDateSpec(Monthly(2001), "again"), 1);
+  EXPECT_EQ(tree.AddDateSpec(MonthlyDateSpec(2001, 2), "again"), 1);
   EXPECT_EQ(WriteTree(tree), kDeclaration + kRootStart + kDefaultHeader +
                                  ESDictionary("y", "Month", "date", extension) +
                                  Models(replica) + kRootEnd);
@@ -395,8 +388,8 @@ TEST(PMMLTreeTest, EveryDateSpecificationAndTheTimeFieldOfTheLastRegistered) {
 TEST(PMMLTreeTest, WritingKeepsTheRegistry) {
   TSXMLTree tree;
   tree.SetPMMLOutput(true);
-  const TSXDateSpecEntry first{Monthly(1990), 1, "a", false};
-  const TSXDateSpecEntry second{Monthly(2001), 2, "b", false};
+  const TSXDateSpecEntry first{MonthlyDateSpec(1990, 2), 1, "a", false};
+  const TSXDateSpecEntry second{MonthlyDateSpec(2001, 2), 2, "b", false};
   tree.AddDateSpec(first.spec, "a");
   const std::string before = WriteTree(tree);
   EXPECT_EQ(before,

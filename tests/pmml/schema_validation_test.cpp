@@ -15,6 +15,7 @@
 #include "datespec/date_spec.h"
 #include "modelapi/forecast_model.h"
 #include "pmml_test_util.h"
+#include "support/date_spec_fixtures.h"
 #include "tree/tsxml_tree.h"
 #include "xml/number_text.h"
 
@@ -102,12 +103,7 @@ class SchemaValidationTest : public ::testing::Test {
 // five-day week with a gap and a first case day, and hours of the day (the
 // last one sets the time field, of type "time").
 void AddDateSpecs(TSXMLTree& tree) {
-  TSXDateSpec monthly(TSXDateSpec::Year);
-  monthly.AddPeriod(TSXDateSpec::Month, 12, 0, 0);
-  TSXDateSpec::TSXIndexTuple first(monthly);
-  first.SetIndexes({2001, 2});
-  monthly.SetFirstCaseIndex(first);
-  tree.AddDateSpec(monthly, "monthly & more");
+  tree.AddDateSpec(testing_support::MonthlyDateSpec(2001, 2), "monthly & more");
 
   TSXDateSpec days(TSXDateSpec::Week);
   days.AddPeriod(TSXDateSpec::Day, 7, 0, 5);
