@@ -72,8 +72,8 @@ class TSXPMMLDocument {
   // Writes the document, with the XML declaration when `complete`. Takes
   // `dateSpecExtension` (may be null), which becomes the first child of an
   // exponential smoothing DataDictionary and is dropped by the ARIMA form.
-  // Always true. Writes are repeatable: the model elements are lent to the
-  // document for the write and kept, so a second write gives the same bytes.
+  // Always true. Writes are repeatable: the model elements are only lent to
+  // the root for the write, so a second write gives the same bytes.
   bool Write(std::ostream& stream, bool complete,
              XMLElement* dateSpecExtension);
 
