@@ -25,8 +25,12 @@ class TSXML_API ARMAForecastState : public ForecastState {
   void GetXHistory(unsigned i, const std::valarray<double>*& first,
                    const std::valarray<double>*& second) const;
 
-  void SetActualZ(const std::valarray<double>& values) { actualZ_ = values; }
-  void SetPredZ(const std::valarray<double>& values) { predZ_ = values; }
+  void SetActualZ(const std::valarray<double>& values) {
+    ReplaceValues(actualZ_, values);
+  }
+  void SetPredZ(const std::valarray<double>& values) {
+    ReplaceValues(predZ_, values);
+  }
   // Gives predictor `i` a history (any index; the list grows to hold it).
   void SetXHistory(unsigned i, const std::valarray<double>& predictor,
                    const std::valarray<double>& transferFunction);
@@ -56,8 +60,12 @@ class TSXML_API ARMANoiseHistory {
  public:
   const std::valarray<double>& GetActualN() const { return actualN_; }
   const std::valarray<double>& GetPredN() const { return predN_; }
-  void SetActualN(const std::valarray<double>& values) { actualN_ = values; }
-  void SetPredN(const std::valarray<double>& values) { predN_ = values; }
+  void SetActualN(const std::valarray<double>& values) {
+    ReplaceValues(actualN_, values);
+  }
+  void SetPredN(const std::valarray<double>& values) {
+    ReplaceValues(predN_, values);
+  }
 
  private:
   std::valarray<double> actualN_;
@@ -89,7 +97,7 @@ class TSXML_API ARMAMLForecastState : public ARMAForecastState {
   const std::valarray<double>& GetFinalStateV() const { return finalStateV_; }
   void SetFinalOmega(const DSymMat& omega) { finalOmega_ = omega; }
   void SetFinalStateV(const std::valarray<double>& values) {
-    finalStateV_ = values;
+    ReplaceValues(finalStateV_, values);
   }
 
  private:

@@ -13,6 +13,14 @@
 
 class ForecastStateVisitor;
 
+// Replaces `target` by a copy of `source`, leaving `target` as it was when
+// the copy can't be allocated (a valarray's own assignment does not).
+inline void ReplaceValues(std::valarray<double>& target,
+                          const std::valarray<double>& source) {
+  std::valarray<double> copy(source);
+  target.swap(copy);
+}
+
 // Base of the four state classes. The standard errors may be shorter than
 // the parameters, or empty.
 class TSXML_API ForecastState {
@@ -31,10 +39,10 @@ class TSXML_API ForecastState {
 
   void SetStateSpan(const TSSpan& span) { span_ = span; }
   void SetParameters(const std::valarray<double>& parameters) {
-    parameters_ = parameters;
+    ReplaceValues(parameters_, parameters);
   }
   void SetParameterStdErrors(const std::valarray<double>& stdErrors) {
-    stdErrors_ = stdErrors;
+    ReplaceValues(stdErrors_, stdErrors);
   }
 
  protected:

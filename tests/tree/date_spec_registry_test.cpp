@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "datespec/date_spec.h"
+#include "support/date_spec_fixtures.h"
 #include "support/model_fixtures.h"
 #include "tree/tsxml_tree.h"
 #include "tree/tsxml_tree_imp.h"
@@ -12,15 +13,6 @@
 namespace {
 
 using testing_support::MakeSimpleModel;
-
-TSXDateSpec Monthly(unsigned firstYear) {
-  TSXDateSpec spec(TSXDateSpec::Year);
-  spec.AddPeriod(TSXDateSpec::Month, 12, 0, 0);
-  TSXDateSpec::TSXIndexTuple first(spec);
-  first.SetIndexes({firstYear, 0});
-  spec.SetFirstCaseIndex(first);
-  return spec;
-}
 
 TSXDictionaryRefs RefsOn(int dateSpecID) {
   TSXDictionaryRefs refs("M", "", "y");
@@ -43,9 +35,13 @@ std::string Dictionary(const std::string& document) {
 
 TEST(DateSpecRegistryTest, EquivalentSpecificationKeepsItsIdentifier) {
   TSXMLTree tree;
-  EXPECT_EQ(tree.AddDateSpec(Monthly(2001), "first"), 1);
-  EXPECT_EQ(tree.AddDateSpec(Monthly(1990), "other start"), 2);
-  EXPECT_EQ(tree.AddDateSpec(Monthly(2001), "again"), 1);
+  EXPECT_EQ(tree.AddDateSpec(testing_support::MonthlyDateSpec(2001), "first"),
+            1);
+  EXPECT_EQ(
+      tree.AddDateSpec(testing_support::MonthlyDateSpec(1990), "other start"),
+      2);
+  EXPECT_EQ(tree.AddDateSpec(testing_support::MonthlyDateSpec(2001), "again"),
+            1);
   ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), RefsOn(1)));
   EXPECT_NE(Write(tree).find("dateSpecDescriptor=\"first\""),
             std::string::npos);
@@ -53,9 +49,10 @@ TEST(DateSpecRegistryTest, EquivalentSpecificationKeepsItsIdentifier) {
 
 TEST(DateSpecRegistryTest, UsedSpecificationsInRegistrationOrder) {
   TSXMLTree tree;
-  const int unused = tree.AddDateSpec(Monthly(1980), "unused");
-  const int b = tree.AddDateSpec(Monthly(1990), "B");
-  const int a = tree.AddDateSpec(Monthly(2001), "A");
+  const int unused =
+      tree.AddDateSpec(testing_support::MonthlyDateSpec(1980), "unused");
+  const int b = tree.AddDateSpec(testing_support::MonthlyDateSpec(1990), "B");
+  const int a = tree.AddDateSpec(testing_support::MonthlyDateSpec(2001), "A");
   ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), RefsOn(a)));
   ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), RefsOn(a)));
   ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), RefsOn(b)));
@@ -78,7 +75,7 @@ TEST(DateSpecRegistryTest, UsedSpecificationsInRegistrationOrder) {
 TEST(DateSpecRegistryTest, UnregisteredIdentifierIsRefused) {
   TSXMLTree tree;
   EXPECT_FALSE(tree.AddModelTree(MakeSimpleModel(), RefsOn(1)));
-  tree.AddDateSpec(Monthly(2001), "");
+  tree.AddDateSpec(testing_support::MonthlyDateSpec(2001), "");
   EXPECT_FALSE(tree.AddModelTree(MakeSimpleModel(), RefsOn(2)));
   EXPECT_TRUE(tree.AddModelTree(MakeSimpleModel(), RefsOn(1)));
   EXPECT_EQ(tree.GetModelCount(), 1);
@@ -86,7 +83,8 @@ TEST(DateSpecRegistryTest, UnregisteredIdentifierIsRefused) {
 
 TEST(DateSpecRegistryTest, WritesAndTheRegistry) {
   TSXMLTree tree;
-  const int id = tree.AddDateSpec(Monthly(2001), "kept");
+  const int id =
+      tree.AddDateSpec(testing_support::MonthlyDateSpec(2001), "kept");
   // A write without models changes nothing, also with specifications.
   std::ostringstream nothing;
   EXPECT_FALSE(tree.WriteToStream(nothing));
@@ -97,19 +95,20 @@ TEST(DateSpecRegistryTest, WritesAndTheRegistry) {
   // A complete write empties the registry: the old identifier is gone and
   // numbering starts at 1 again.
   EXPECT_FALSE(tree.AddModelTree(MakeSimpleModel(), RefsOn(id)));
-  EXPECT_EQ(tree.AddDateSpec(Monthly(1990), "new"), 1);
+  EXPECT_EQ(tree.AddDateSpec(testing_support::MonthlyDateSpec(1990), "new"), 1);
 }
 
 TEST(DateSpecRegistryTest, BareWriteKeepsSpecificationsAndUsedFlags) {
   TSXMLTreeImp* imp = new TSXMLTreeImp;
   TSXMLTree tree(imp);
-  const int id = tree.AddDateSpec(Monthly(2001), "kept");
+  const int id =
+      tree.AddDateSpec(testing_support::MonthlyDateSpec(2001), "kept");
   ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), RefsOn(id)));
   std::ostringstream bare;
   ASSERT_TRUE(imp->WriteToStream(bare, false));
   // Still registered and still used: a model without a date specification
   // now brings it into the document.
-  EXPECT_EQ(tree.AddDateSpec(Monthly(2001), "x"), id);
+  EXPECT_EQ(tree.AddDateSpec(testing_support::MonthlyDateSpec(2001), "x"), id);
   ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), RefsOn(0)));
   EXPECT_NE(Dictionary(Write(tree)).find("dateSpecDescriptor=\"kept\""),
             std::string::npos);
