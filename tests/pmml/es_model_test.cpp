@@ -22,7 +22,7 @@ using testing_support::Text;
 using tsxml::TSXPMMLDocument;
 
 constexpr double kMissing = MV::gMissingValue;
-const char kMissingText[] = "-1.79769313486232e+308";
+const std::string kMissingText = "-1.79769313486232e+308";
 
 // The text of the element that `model` adds to a fresh document.
 std::string ModelText(const TSFModel& model,
@@ -31,22 +31,65 @@ std::string ModelText(const TSFModel& model,
                       bool timeValues = true) {
   TSXPMMLDocument document;
   document.SetESPMMLOutputTimeValue(timeValues);
-  const TSFModelImp* imp = model.GetImp();
-  document.AddModel(model, refs, imp->GetHistoryData());
+  document.AddModel(model, refs, model.GetImp()->GetHistoryData());
   const OstraTimeXML::XMLElement* element = document.GetModelElement(0);
   return element ? Text(*element) : "(no element)";
 }
 
-// The start of a model named "M" on "y", with its mining schema.
-std::string Head(const char* timeField = "Month") {
-  return Lines({"<TimeSeriesModel", "\tmodelName=\"M\"",
-                "\tfunctionName=\"timeSeries\"",
+// The start of a model named `name` on `variable`, with its mining schema.
+std::string Head(const std::string& timeField = "Month",
+                 const std::string& name = "M",
+                 const std::string& variable = "y") {
+  return "\n<TimeSeriesModel" +
+         (name.empty() ? "" : "\n\tmodelName=\"" + name + "\"") +
+         Lines({"\tfunctionName=\"timeSeries\"",
                 "\talgorithmName=\"exponential smoothing\"",
                 "\tbestFit=\"ExponentialSmoothing\">", "\t<MiningSchema>",
-                "\t\t<MiningField", "\t\t\tname=\"y\"",
-                "\t\t\tusageType=\"predicted\"/>", "\t\t<MiningField"}) +
+                "\t\t<MiningField"}) +
+         "\n\t\t\tname=\"" + variable + "\"" +
+         Lines({"\t\t\tusageType=\"predicted\"/>", "\t\t<MiningField"}) +
          "\n\t\t\tname=\"" + timeField + "\"" +
          Lines({"\t\t\tusageType=\"order\"/>", "\t</MiningSchema>"});
+}
+
+// "ExponentialSmoothing" around the text of its children.
+std::string Smoothing(const std::string& children) {
+  return Lines({"\t<ExponentialSmoothing", "\t\tRMSE=\"1.25\"",
+                "\t\ttransformation=\"none\">"}) +
+         children + "\n\t</ExponentialSmoothing>";
+}
+
+// The Level of a model made by MakeTypeModel, with or without its value.
+std::string Level(bool value = true) {
+  return value ? Lines({"\t\t<Level", "\t\t\talpha=\"0.5\"",
+                        "\t\t\tsmoothedValue=\"10\"/>"})
+               : Lines({"\t\t<Level", "\t\t\talpha=\"0.5\"/>"});
+}
+
+// An additive (or other `kind`) trend with gamma 0.25, open for more
+// attributes.
+std::string TrendStart(bool value, const std::string& kind = "additive") {
+  return Lines({"\t\t<Trend_ExpoSmooth", "\t\t\tgamma=\"0.25\""}) +
+         (value ? "\n\t\t\tsmoothedValue=\"2\"" : "") + "\n\t\t\ttrend=\"" +
+         kind + "\"";
+}
+
+// A real "Array" of `n` values at `tabs` tabs.
+std::string Array(int tabs, int n, const std::string& values) {
+  const std::string t(tabs, '\t');
+  return "\n" + t + "<Array\n" + t + "\tn=\"" + std::to_string(n) + "\"\n" + t +
+         "\ttype=\"real\">" + values + "</Array>";
+}
+
+// A seasonality of period `n`; without `values`, no phase and no array.
+std::string Season(const std::string& delta, int n, const std::string& type,
+                   const std::string& values = "") {
+  const std::string start = "\n\t\t<Seasonality_ExpoSmooth\n\t\t\tdelta=\"" +
+                            delta + "\"\n\t\t\tperiod=\"" + std::to_string(n) +
+                            "\"\n\t\t\tunit=\"month\"";
+  if (values.empty()) return start + "\n\t\t\ttype=\"" + type + "\"/>";
+  return start + "\n\t\t\tphase=\"1\"\n\t\t\ttype=\"" + type + "\">" +
+         Array(3, n, values) + "\n\t\t</Seasonality_ExpoSmooth>";
 }
 
 std::string ValueExtension(const std::string& name, const std::string& value) {
@@ -71,27 +114,10 @@ std::string Tail(bool initTrend, const std::string& initSeason = "") {
   return text + "\n</TimeSeriesModel>";
 }
 
-const std::string kSmoothingStart =
-    Lines({"\t<ExponentialSmoothing", "\t\tRMSE=\"1.25\"",
-           "\t\ttransformation=\"none\">"});
-const std::string kSmoothingEnd = "\n\t</ExponentialSmoothing>";
-
-TEST(ESModelTest, SimpleHasOneLevelAndNoTrendOrSeasonExtensions) {
-  // Without a model name there is no "modelName"; an empty dependent variable
-  // is still written as the predicted field.
+TEST(ESModelTest, SimpleWithoutAModelNameOrDependentVariable) {
   EXPECT_EQ(
       ModelText(MakeTypeModel(ESModelSpec::ESSimple), TSXDictionaryRefs()),
-      Lines({"<TimeSeriesModel", "\tfunctionName=\"timeSeries\"",
-             "\talgorithmName=\"exponential smoothing\"",
-             "\tbestFit=\"ExponentialSmoothing\">", "\t<MiningSchema>",
-             "\t\t<MiningField", "\t\t\tname=\"\"",
-             "\t\t\tusageType=\"predicted\"/>", "\t\t<MiningField",
-             "\t\t\tname=\"Month\"", "\t\t\tusageType=\"order\"/>",
-             "\t</MiningSchema>"}) +
-          kSmoothingStart +
-          Lines({"\t\t<Level", "\t\t\talpha=\"0.5\"",
-                 "\t\t\tsmoothedValue=\"10\"/>"}) +
-          kSmoothingEnd + Tail(false));
+      Head("Month", "", "") + Smoothing(Level()) + Tail(false));
 }
 
 TEST(ESModelTest, AdditiveWintersWithTimeSeries) {
@@ -108,28 +134,15 @@ TEST(ESModelTest, AdditiveWintersWithTimeSeries) {
           "\n\t\t\tvalue=\"" + kMissingText + "\"/>" +
           Lines({"\t\t<TimeValue", "\t\t\tindex=\"3\"", "\t\t\tvalue=\"4.5\"/>",
                  "\t</TimeSeries>"}) +
-          kSmoothingStart +
-          Lines({"\t\t<Level", "\t\t\talpha=\"0.5\"",
-                 "\t\t\tsmoothedValue=\"10\"/>", "\t\t<Trend_ExpoSmooth",
-                 "\t\t\tgamma=\"0.25\"", "\t\t\tsmoothedValue=\"2\"",
-                 "\t\t\ttrend=\"additive\"/>", "\t\t<Seasonality_ExpoSmooth",
-                 "\t\t\tdelta=\"0.125\"", "\t\t\tperiod=\"4\"",
-                 "\t\t\tunit=\"month\"", "\t\t\tphase=\"1\"",
-                 "\t\t\ttype=\"additive\">", "\t\t\t<Array", "\t\t\t\tn=\"4\"",
-                 "\t\t\t\ttype=\"real\">1 2 3 4</Array>",
-                 "\t\t</Seasonality_ExpoSmooth>"}) +
-          kSmoothingEnd +
-          Tail(true, Lines({"\t\t<Array", "\t\t\tn=\"4\"",
-                            "\t\t\ttype=\"real\">0.5 1 1.5 2</Array>"})));
+          Smoothing(Level() + TrendStart(true) + "/>" +
+                    Season("0.125", 4, "additive", "1 2 3 4")) +
+          Tail(true, Array(2, 4, "0.5 1 1.5 2")));
 }
 
 TEST(ESModelTest, TimeSeriesNeedsTheFlagAndAHistory) {
   ModelOptions options;
   options.history = {3, 4};
-  const std::string without = Head() + kSmoothingStart +
-                              Lines({"\t\t<Level", "\t\t\talpha=\"0.5\"",
-                                     "\t\t\tsmoothedValue=\"10\"/>"}) +
-                              kSmoothingEnd + Tail(false);
+  const std::string without = Head() + Smoothing(Level()) + Tail(false);
   EXPECT_EQ(ModelText(MakeTypeModel(ESModelSpec::ESSimple, options),
                       TSXDictionaryRefs("M", "", "y"), false),
             without);
@@ -139,46 +152,30 @@ TEST(ESModelTest, TimeSeriesNeedsTheFlagAndAHistory) {
 
 TEST(ESModelTest, BrownTrendArrayFollowsAlpha) {
   // Level 10, trend 2, alpha 0.5: 2 / 0.5 + 10 - 2 = 12, then the trend.
-  const std::string level = Lines(
-      {"\t\t<Level", "\t\t\talpha=\"0.5\"", "\t\t\tsmoothedValue=\"10\"/>"});
-  EXPECT_EQ(
-      ModelText(MakeTypeModel(ESModelSpec::ESBrown)),
-      Head() + kSmoothingStart + level +
-          Lines({"\t\t<Trend_ExpoSmooth", "\t\t\tsmoothedValue=\"2\"",
-                 "\t\t\ttrend=\"polynomial_exponential\">", "\t\t\t<Array",
-                 "\t\t\t\tn=\"2\"", "\t\t\t\ttype=\"real\">12 2</Array>",
-                 "\t\t</Trend_ExpoSmooth>"}) +
-          kSmoothingEnd + Tail(true));
-
-  // An alpha of 1e-7 or below gives no array.
-  for (const double alpha : {1e-8, 1e-7}) {
+  const std::string trend =
+      Lines({"\t\t<Trend_ExpoSmooth", "\t\t\tsmoothedValue=\"2\"",
+             "\t\t\ttrend=\"polynomial_exponential\""});
+  EXPECT_EQ(ModelText(MakeTypeModel(ESModelSpec::ESBrown)),
+            Head() +
+                Smoothing(Level() + trend + ">" + Array(3, 2, "12 2") +
+                          "\n\t\t</Trend_ExpoSmooth>") +
+                Tail(true));
+  // An alpha of 1e-7 or below gives no array; just above it, 2 / 2e-7 + 8.
+  for (const double alpha : {1e-8, 1e-7, 2e-7}) {
     const std::string text = ModelText(MakeESModel(
         ESModelSpec(ESModelSpec::ESBrown), {alpha}, {}, WIESSmState(10, 2)));
-    const std::string trend =
-        Lines({"\t\t<Trend_ExpoSmooth", "\t\t\tsmoothedValue=\"2\"",
-               "\t\t\ttrend=\"polynomial_exponential\"/>",
-               "\t</ExponentialSmoothing>"});
-    EXPECT_NE(text.find(trend), std::string::npos) << alpha << text;
+    const std::string end =
+        alpha > 1e-7 ? ">" + Array(3, 2, "10000008 2") : "/>";
+    EXPECT_NE(text.find(trend + end), std::string::npos) << alpha << text;
   }
-  // Just above the bound the array is there: 2 / 2e-7 + 10 - 2.
-  EXPECT_NE(ModelText(MakeESModel(ESModelSpec(ESModelSpec::ESBrown), {2e-7}, {},
-                                  WIESSmState(10, 2)))
-                .find("type=\"real\">10000008 2</Array>"),
-            std::string::npos);
 }
 
-TEST(ESModelTest, DampedTrendWritesPhiAndNoElementForKindThree) {
-  const std::string trend =
-      Lines({"\t\t<Trend_ExpoSmooth", "\t\t\tgamma=\"0.25\"",
-             "\t\t\tsmoothedValue=\"2\"", "\t\t\ttrend=\"damped_additive\""});
-  const std::string level = Lines(
-      {"\t\t<Level", "\t\t\talpha=\"0.5\"", "\t\t\tsmoothedValue=\"10\"/>"});
+TEST(ESModelTest, DampedTrendWritesPhiAndMissingPhiAsTheMissingValue) {
+  const std::string trend = TrendStart(true, "damped_additive");
   EXPECT_EQ(ModelText(MakeTypeModel(ESModelSpec::ESDampedTrend)),
-            Head() + kSmoothingStart + level + trend +
-                "\n\t\t\tphi=\"0.125\"/>" + kSmoothingEnd + Tail(true));
-
-  // Without a position for the damping parameter, phi is missing and written
-  // as the number text of the missing value.
+            Head() + Smoothing(Level() + trend + "\n\t\t\tphi=\"0.125\"/>") +
+                Tail(true));
+  // Without a position for the damping parameter, phi is missing.
   ESModelSpec spec(ESModelSpec::ESDampedTrend);
   spec.SetESParameterIndex(ESModelSpec::DampingTrend, -1);
   const std::string text =
@@ -188,72 +185,45 @@ TEST(ESModelTest, DampedTrendWritesPhiAndNoElementForKindThree) {
       << text;
 }
 
-TEST(ESModelTest, MissingFinalLevelDropsSmoothedValuesPhaseAndArrays) {
-  ModelOptions options;
-  options.missingLevel = true;
+TEST(ESModelTest, MissingFinalStateDropsWhatDependsOnIt) {
+  ModelOptions level, seasonal, trend;
+  level.missingLevel = true;
+  seasonal.missingSeasonal = true;
+  trend.missingTrend = true;
+  // No level: no smoothed values, phase or arrays.
+  EXPECT_EQ(ModelText(MakeTypeModel(ESModelSpec::ESAdditiveWinters, level)),
+            Head() +
+                Smoothing(Level(false) + TrendStart(false) + "/>" +
+                          Season("0.125", 4, "additive")) +
+                Tail(true));
+  // A missing seasonal value drops the phase, the array and initSeason only.
   EXPECT_EQ(
-      ModelText(MakeTypeModel(ESModelSpec::ESAdditiveWinters, options)),
-      Head() + kSmoothingStart +
-          Lines({"\t\t<Level", "\t\t\talpha=\"0.5\"/>", "\t\t<Trend_ExpoSmooth",
-                 "\t\t\tgamma=\"0.25\"", "\t\t\ttrend=\"additive\"/>",
-                 "\t\t<Seasonality_ExpoSmooth", "\t\t\tdelta=\"0.125\"",
-                 "\t\t\tperiod=\"4\"", "\t\t\tunit=\"month\"",
-                 "\t\t\ttype=\"additive\"/>"}) +
-          kSmoothingEnd + Tail(true));
-}
-
-TEST(ESModelTest, MissingSeasonalValueDropsPhaseArrayAndInitSeasonOnly) {
-  ModelOptions options;
-  options.missingSeasonal = true;
+      ModelText(MakeTypeModel(ESModelSpec::ESMultiplicativeWinters, seasonal)),
+      Head() +
+          Smoothing(Level() + TrendStart(true) + "/>" +
+                    Season("0.125", 4, "multiplicative")) +
+          Tail(true));
+  // No trend: no trend value, and in a seasonal model no season state.
   EXPECT_EQ(
-      ModelText(MakeTypeModel(ESModelSpec::ESMultiplicativeWinters, options)),
-      Head() + kSmoothingStart +
-          Lines({"\t\t<Level", "\t\t\talpha=\"0.5\"",
-                 "\t\t\tsmoothedValue=\"10\"/>", "\t\t<Trend_ExpoSmooth",
-                 "\t\t\tgamma=\"0.25\"", "\t\t\tsmoothedValue=\"2\"",
-                 "\t\t\ttrend=\"additive\"/>", "\t\t<Seasonality_ExpoSmooth",
-                 "\t\t\tdelta=\"0.125\"", "\t\t\tperiod=\"4\"",
-                 "\t\t\tunit=\"month\"", "\t\t\ttype=\"multiplicative\"/>"}) +
-          kSmoothingEnd + Tail(true));
-}
-
-TEST(ESModelTest, MissingTrendDropsTheTrendStateAndTheSeason) {
-  ModelOptions options;
-  options.missingTrend = true;
-  EXPECT_EQ(ModelText(MakeTypeModel(ESModelSpec::ESHolt, options)),
-            Head() + kSmoothingStart +
-                Lines({"\t\t<Level", "\t\t\talpha=\"0.5\"",
-                       "\t\t\tsmoothedValue=\"10\"/>", "\t\t<Trend_ExpoSmooth",
-                       "\t\t\tgamma=\"0.25\"", "\t\t\ttrend=\"additive\"/>"}) +
-                kSmoothingEnd + Tail(true));
-  // A seasonal model whose trend is missing loses its season state as well.
-  const std::string winters =
-      ModelText(MakeTypeModel(ESModelSpec::ESAdditiveWinters, options));
-  EXPECT_NE(winters.find("\t\t\tunit=\"month\"\n\t\t\ttype=\"additive\"/>"),
-            std::string::npos)
-      << winters;
-  EXPECT_EQ(winters.find("initSeason"), std::string::npos);
+      ModelText(MakeTypeModel(ESModelSpec::ESHolt, trend)),
+      Head() + Smoothing(Level() + TrendStart(false) + "/>") + Tail(true));
+  EXPECT_EQ(ModelText(MakeTypeModel(ESModelSpec::ESAdditiveWinters, trend)),
+            Head() +
+                Smoothing(Level() + TrendStart(false) + "/>" +
+                          Season("0.125", 4, "additive")) +
+                Tail(true));
 }
 
 TEST(ESModelTest, SimpleSeasonalHasNoTrendAndPeriodIsTheCycleLength) {
-  // The trend of the final state is 2, but the type has none; a cycle of 7
-  // (a daily series) still reads "month".
+  // The final trend is 2, but the type has none; a cycle of 7 (a daily
+  // series) still reads "month".
   ModelOptions options;
   options.seasonLength = 7;
   EXPECT_EQ(
       ModelText(MakeTypeModel(ESModelSpec::ESSimpleSeasonal, options)),
-      Head() + kSmoothingStart +
-          Lines({"\t\t<Level", "\t\t\talpha=\"0.5\"",
-                 "\t\t\tsmoothedValue=\"10\"/>", "\t\t<Seasonality_ExpoSmooth",
-                 "\t\t\tdelta=\"0.25\"", "\t\t\tperiod=\"7\"",
-                 "\t\t\tunit=\"month\"", "\t\t\tphase=\"1\"",
-                 "\t\t\ttype=\"additive\">", "\t\t\t<Array", "\t\t\t\tn=\"7\"",
-                 "\t\t\t\ttype=\"real\">1 2 3 4 5 6 7</Array>",
-                 "\t\t</Seasonality_ExpoSmooth>"}) +
-          kSmoothingEnd +
-          Tail(false,
-               Lines({"\t\t<Array", "\t\t\tn=\"7\"",
-                      "\t\t\ttype=\"real\">0.5 1 1.5 2 2.5 3 3.5</Array>"})));
+      Head() +
+          Smoothing(Level() + Season("0.25", 7, "additive", "1 2 3 4 5 6 7")) +
+          Tail(false, Array(2, 7, "0.5 1 1.5 2 2.5 3 3.5")));
 }
 
 TEST(ESModelTest, TransformationMissingRMSEAndInfinityAsTheyPrint) {
@@ -266,19 +236,17 @@ TEST(ESModelTest, TransformationMissingRMSEAndInfinityAsTheyPrint) {
   const std::string text = ModelText(
       MakeESModel(spec, {0.5, 0.25}, {}, WIESSmState(1, 0, 0, {inf, 2}), info,
                   {}, WIESSmState(1, 0, 0, {1, -inf})));
-  EXPECT_NE(text.find(Lines({"\t<ExponentialSmoothing"}) + "\n\t\tRMSE=\"" +
-                      kMissingText + "\"\n\t\ttransformation=\"squareroot\">"),
-            std::string::npos)
-      << text;
-  EXPECT_NE(text.find("type=\"real\">" + infText + " 2</Array>"),
-            std::string::npos);
-  EXPECT_NE(text.find("type=\"real\">1 -" + infText + "</Array>"),
-            std::string::npos);
-  EXPECT_NE(text.find(ValueExtension("errVariance", kMissingText)),
-            std::string::npos);
+  for (const std::string& part :
+       {"\n\t<ExponentialSmoothing\n\t\tRMSE=\"" + kMissingText +
+            "\"\n\t\ttransformation=\"squareroot\">",
+        "type=\"real\">" + infText + " 2</Array>",
+        "type=\"real\">1 -" + infText + "</Array>",
+        ValueExtension("errVariance", kMissingText)}) {
+    EXPECT_NE(text.find(part), std::string::npos) << part << text;
+  }
 }
 
-TEST(ESModelTest, TimeFieldOfTheMiningSchemaIsReadWhenTheModelIsAdded) {
+TEST(ESModelTest, MiningSchemaNamesTheTimeFieldSetWhenTheModelIsAdded) {
   TSXPMMLDocument document;
   document.SetDateField("Day", "date");
   const TSFModel model = MakeTypeModel(ESModelSpec::ESSimple);
