@@ -1,7 +1,10 @@
+// The record of the model added last: statistics by key, one row per
+// smoothing parameter, and what a later Fill keeps.
 #include "pmml/model_summary.h"
 
 #include <gtest/gtest.h>
 
+#include <utility>
 #include <valarray>
 #include <vector>
 
@@ -39,28 +42,62 @@ TSFModel WintersModel(const EstimationInfo& info) {
                      WIESSmState(10, 1, 2, {1, 2, 3, 4}), info, {5, 6, 7});
 }
 
-TEST(ModelSummaryTest, FillReadsEveryStatisticByItsKey) {
+TEST(ModelSummaryTest, FillReadsEveryStatisticByItsKeyAndLaterFillsReplace) {
   TSXModelSummary summary;
-  const TSFModel model = WintersModel(FullInfo());
-  summary.Fill(model, TSXDictionaryRefs("N", "D", "y"), {5, 6, 7});
+  const TSFModel winters = WintersModel(FullInfo());
+  summary.Fill(winters, TSXDictionaryRefs("N", "D", "y"), {5, 6, 7});
   EXPECT_EQ(summary.modelName, "N");
   EXPECT_EQ(summary.modelDescriptor, "D");
   EXPECT_EQ(summary.dependentVarID, "y");
-  EXPECT_EQ(summary.model.GetImp(), model.GetImp());
-  const double got[] = {summary.mse,           summary.rmse,
-                        summary.mape,          summary.mae,
-                        summary.maxAPE,        summary.maxAE,
-                        summary.rSquared,      summary.normalizedBIC,
-                        summary.logLikelihood, summary.stationaryRSquared,
-                        summary.aic,           summary.bic};
-  const double expected[] = {100, 101, 102, 103, 104, 105,
-                             106, 107, 109, 116, 114, 115};
-  for (size_t i = 0; i < 12; ++i) EXPECT_EQ(got[i], expected[i]) << i;
-  EXPECT_EQ(summary.ljungBoxQ, 12.5);
-  EXPECT_EQ(summary.ljungBoxCount, 18);
-  EXPECT_EQ(summary.ljungBoxSig, 0.75);
+  EXPECT_EQ(summary.model.GetImp(), winters.GetImp());
+  const std::pair<double, double> stats[] = {
+      {summary.mse, 100},           {summary.rmse, 101},
+      {summary.mape, 102},          {summary.mae, 103},
+      {summary.maxAPE, 104},        {summary.maxAE, 105},
+      {summary.rSquared, 106},      {summary.normalizedBIC, 107},
+      {summary.logLikelihood, 109}, {summary.stationaryRSquared, 116},
+      {summary.aic, 114},           {summary.bic, 115},
+      {summary.ljungBoxQ, 12.5},    {summary.ljungBoxCount, 18},
+      {summary.ljungBoxSig, 0.75}};
+  for (const auto& [got, want] : stats) EXPECT_EQ(got, want) << want;
   ASSERT_EQ(summary.history.size(), 3u);
   EXPECT_EQ(summary.history[2], 7);
+
+  // An empty model changes only the names.
+  summary.Fill(TSFModel(), TSXDictionaryRefs("M", "", "z"), {1});
+  EXPECT_EQ(summary.modelName, "M");
+  EXPECT_EQ(summary.modelDescriptor, "");
+  EXPECT_EQ(summary.dependentVarID, "z");
+  EXPECT_EQ(summary.model.GetImp(), winters.GetImp());
+  EXPECT_EQ(summary.rmse, 101);
+  EXPECT_EQ(summary.history.size(), 3u);
+  EXPECT_EQ(summary.esParameterRows.size(), 3u);
+
+  // Another model overwrites every field, with missing values too.
+  const TSFModel simple = MakeESModel(ESModelSpec(ESModelSpec::ESSimple),
+                                      {0.75}, {0.25}, WIESSmState(3, 0));
+  summary.Fill(simple, TSXDictionaryRefs("S", "", "s"), {});
+  EXPECT_EQ(summary.model.GetImp(), simple.GetImp());
+  EXPECT_EQ(summary.rmse, kMissing);
+  EXPECT_EQ(summary.aic, kMissing);
+  EXPECT_EQ(summary.ljungBoxQ, kMissing);
+  EXPECT_EQ(summary.history.size(), 0u);
+  EXPECT_EQ(summary.esParameterKinds, std::vector<int32_t>{0});
+  ASSERT_EQ(summary.esParameterRows.size(), 1u);
+  EXPECT_EQ(summary.esParameterRows[0][TSXModelSummary::kEstimate], 0.75);
+
+  // An ARIMA model clears the rows and keeps the kinds; a type outside the
+  // table leaves neither.
+  summary.Fill(winters, TSXDictionaryRefs(), {});
+  auto state = std::make_unique<ARMACLSForecastState>(AMModelSpec());
+  summary.Fill(TSFModel(new TSFModelImp(std::move(state), FullInfo())),
+               TSXDictionaryRefs(), {});
+  EXPECT_TRUE(summary.esParameterRows.empty());
+  EXPECT_EQ(summary.esParameterKinds, (std::vector<int32_t>{0, 1, 2}));
+  summary.Fill(MakeESModel(ESModelSpec(9), {}, {}, WIESSmState(1, 1)),
+               TSXDictionaryRefs(), {});
+  EXPECT_TRUE(summary.esParameterKinds.empty());
+  EXPECT_TRUE(summary.esParameterRows.empty());
 }
 
 TEST(ModelSummaryTest, RowsFollowTheKindsOfEachModelType) {
@@ -119,56 +156,6 @@ TEST(ModelSummaryTest, TStatisticAndSignificance) {
   ASSERT_EQ(summary.esParameterRows.size(), 1u);
   EXPECT_EQ(summary.esParameterRows[0],
             (std::vector<double>{0.5, kMissing, kMissing, kMissing}));
-}
-
-TEST(ModelSummaryTest, EmptyModelChangesOnlyTheNames) {
-  TSXModelSummary summary;
-  const TSFModel model = WintersModel(FullInfo());
-  summary.Fill(model, TSXDictionaryRefs("N", "D", "y"), {5, 6, 7});
-  summary.Fill(TSFModel(), TSXDictionaryRefs("M", "", "z"), {1});
-  EXPECT_EQ(summary.modelName, "M");
-  EXPECT_EQ(summary.modelDescriptor, "");
-  EXPECT_EQ(summary.dependentVarID, "z");
-  EXPECT_EQ(summary.model.GetImp(), model.GetImp());
-  EXPECT_EQ(summary.rmse, 101);
-  EXPECT_EQ(summary.history.size(), 3u);
-  EXPECT_EQ(summary.esParameterRows.size(), 3u);
-}
-
-TEST(ModelSummaryTest, SecondModelOverwritesEveryField) {
-  TSXModelSummary summary;
-  summary.Fill(WintersModel(FullInfo()), TSXDictionaryRefs("N", "D", "y"),
-               {5, 6, 7});
-  const TSFModel simple = MakeESModel(ESModelSpec(ESModelSpec::ESSimple),
-                                      {0.75}, {0.25}, WIESSmState(3, 0));
-  summary.Fill(simple, TSXDictionaryRefs("S", "", "s"), {});
-  EXPECT_EQ(summary.model.GetImp(), simple.GetImp());
-  EXPECT_EQ(summary.rmse, kMissing);
-  EXPECT_EQ(summary.aic, kMissing);
-  EXPECT_EQ(summary.ljungBoxQ, kMissing);
-  EXPECT_EQ(summary.history.size(), 0u);
-  EXPECT_EQ(summary.esParameterKinds, std::vector<int32_t>{0});
-  ASSERT_EQ(summary.esParameterRows.size(), 1u);
-  EXPECT_EQ(summary.esParameterRows[0][TSXModelSummary::kEstimate], 0.75);
-}
-
-TEST(ModelSummaryTest, ARIMAModelHasNoRowsAndKeepsTheKinds) {
-  TSXModelSummary summary;
-  summary.Fill(WintersModel(FullInfo()), TSXDictionaryRefs(), {});
-  auto state = std::make_unique<ARMACLSForecastState>(AMModelSpec());
-  summary.Fill(TSFModel(new TSFModelImp(std::move(state), FullInfo())),
-               TSXDictionaryRefs(), {});
-  EXPECT_TRUE(summary.esParameterRows.empty());
-  EXPECT_EQ(summary.esParameterKinds, (std::vector<int32_t>{0, 1, 2}));
-}
-
-TEST(ModelSummaryTest, TypeOutsideTheTableHasNoKindsAndNoRows) {
-  TSXModelSummary summary;
-  summary.Fill(WintersModel(FullInfo()), TSXDictionaryRefs(), {});
-  summary.Fill(MakeESModel(ESModelSpec(9), {}, {}, WIESSmState(1, 1)),
-               TSXDictionaryRefs(), {});
-  EXPECT_TRUE(summary.esParameterKinds.empty());
-  EXPECT_TRUE(summary.esParameterRows.empty());
 }
 
 }  // namespace
