@@ -1,5 +1,5 @@
 // Error bounds of the distribution functions, derived from their stopping
-// rules, for the tests that compare them with exact or independent values.
+// rules.
 #ifndef TSXML_TESTS_PMML_DISTRIBUTION_TOLERANCES_H
 #define TSXML_TESTS_PMML_DISTRIBUTION_TOLERANCES_H
 
@@ -23,9 +23,9 @@ struct BetaBound {
 
 inline BetaBound IncompleteBetaBound(double x, double y, double a, double b) {
   const double n = a + b;
-  // The prefactor is exp(e), e a sum of log-gamma values and logs, each good
-  // to about 2 eps relative: e is off by up to 4 eps times the sum of their
-  // magnitudes. The sum is taken in the larger of the two orientations.
+  // The prefactor is exp(e), e a sum of log-gamma values and logs good to
+  // about 2 eps each: e is off by 4 eps times the larger of the two
+  // orientations' sums of magnitudes.
   const double common = std::fabs(std::lgamma(n));
   const double direct = std::fabs(std::lgamma(a + 1)) +
                         std::fabs(std::lgamma(b)) + std::fabs(b * std::log(y)) +
@@ -38,11 +38,10 @@ inline BetaBound IncompleteBetaBound(double x, double y, double a, double b) {
   // The continued fraction stops when two convergents agree to
   // max(1, a + b) * 10 eps.
   const double fraction = std::max(1.0, n) * 10 * kEps;
-  // The series stops at a term below 1e-15; with ratio q the neglected tail
-  // is below 1e-15 q / (1 - q). It can stop within its 10001 terms only for
-  // 1 - q above about 3e-3 (else the continued fraction takes over), so
-  // q / (1 - q) is at most about 400. Through a complement 1 - r the tail,
-  // and the rounding of 1 - r and of y = 1 - x, count at the scale of 1.
+  // The series stops at a term below 1e-15: with ratio q the tail is below
+  // 1e-15 q / (1 - q), at most about 400 times that within its 10001 terms.
+  // Through a complement 1 - r the tail and the roundings of 1 - r and of
+  // y = 1 - x count at the scale of 1.
   const double q = std::max(x, y);
   const double tail = 1e-15 * std::min(q / (1 - q), 400.0);
   return {fraction + 4 * kEps * terms + 8 * kEps, tail + 4 * kEps};
@@ -53,7 +52,6 @@ inline BetaBound IncompleteBetaBound(double x, double a, double b) {
   return IncompleteBetaBound(x, 1 - x, a, b);
 }
 
-// The variables of the t distribution's incomplete beta:
 // `tails` = t^2 / (df + t^2) and `body` = df / (df + t^2), free of overflow.
 struct BetaArgument {
   double tails;

@@ -150,7 +150,7 @@ double BinomialUpperTail(double x, int a, int b) {
   return static_cast<double>(sum);
 }
 
-TEST(IncompleteBetaTest, IntegerArgumentsMatchBinomialSums) {
+TEST(IncompleteBetaTest, MatchesBinomialSumsAndItsReflection) {
   int status = 7;
   for (int a = 2; a <= 40; a += 3) {
     for (int b = 2; b <= 40; b += 4) {
@@ -165,10 +165,8 @@ TEST(IncompleteBetaTest, IntegerArgumentsMatchBinomialSums) {
       }
     }
   }
-}
-
-TEST(IncompleteBetaTest, ReflectionOverSeriesFractionAndBothOrders) {
-  int status = 7;
+  // I_x(a, b) + I_1-x(b, a) = 1 over the series, the fraction and both
+  // orders.
   const double params[] = {0.05, 0.5, 0.9, 1.5, 2.0, 7.25, 30.0, 500.0, 2e4};
   for (double a : params) {
     for (double b : params) {
@@ -201,7 +199,7 @@ TEST(IncompleteBetaTest, PeizerPrattStandsInForHugeParameters) {
   EXPECT_NEAR(TSXIncompleteBeta(0.5, a, a, status), 0.5, 1e-9);
 }
 
-TEST(InverseIncompleteBetaTest, SpecialCasesAndClosedForms) {
+TEST(InverseIncompleteBetaTest, SpecialCases) {
   EXPECT_EQ(TSXInverseIncompleteBeta(0.0, 3), 0.0);
   EXPECT_EQ(TSXInverseIncompleteBeta(1.0, 3), 1.0);
   for (double bad : {-0.5, 1.5, kNaN, kInf, -kInf}) {
@@ -217,14 +215,6 @@ TEST(InverseIncompleteBetaTest, SpecialCasesAndClosedForms) {
   // Beta(a, 1/2) answers.
   EXPECT_EQ(TSXInverseIncompleteBeta(0.3, 1e12), 1e12 / (1e12 + 0.5));
   EXPECT_EQ(TSXInverseIncompleteBeta(0.7, 1e12), 1e12 / (1e12 + 0.5));
-  for (int k = 1; k < 64; ++k) {
-    const double p = k / 64.0;
-    // I_x(1/2, 1/2) = (2 / pi) asin(sqrt(x)); I_x(1, 1/2) = 1 - sqrt(1 - x).
-    const double s = std::sin(p * kPi / 2);
-    EXPECT_NEAR(TSXInverseIncompleteBeta(p, 0.5), s * s, 4 * kEps);
-    EXPECT_NEAR(TSXInverseIncompleteBeta(p, 1), 1 - (1 - p) * (1 - p),
-                4 * kEps);
-  }
 }
 
 const double kDfs[] = {1e-3, 0.5, 1, 1.5, 2, 3, 4, 7.5, 10, 30, 1e3, 1e6, 1e8};
@@ -333,25 +323,6 @@ TEST(DistributionsTest, StatusCodes) {
   EXPECT_EQ(status, 0);
 }
 
-TEST(StudentTTest, ExtremeArgumentsGiveAValueOfTheRightSignOrStatusTwo) {
-  int status = 0;
-  const double ps[] = {kTiny,     1e-300,    1e-100, 1e-30,     1e-12,    0.25,
-                       0.4999999, 0.5000001, 0.75,   1 - 1e-12, 1 - 1e-16};
-  const double dfs[] = {1e-300, 1e-3, 0.5, 1, 1.5, 2, 3, 10, 1e3, 1e7, 9.9e7};
-  for (double df : dfs) {
-    for (double p : ps) {
-      const double t = TSXStudentTQuantile(p, df, status);
-      if (status != 0) {
-        ASSERT_EQ(status, 2) << p << " " << df;
-        ASSERT_TRUE(Missing(t)) << p << " " << df;
-        continue;
-      }
-      ASSERT_TRUE(std::isfinite(t)) << p << " " << df;
-      ASSERT_EQ(t < 0, p < 0.5) << p << " " << df;
-    }
-  }
-}
-
 TEST(DistributionsTest, OddArgumentsGiveAValueInRangeOrAStatus) {
   int status = 0;
   for (double u : kOddArguments) {
@@ -366,7 +337,9 @@ TEST(DistributionsTest, OddArgumentsGiveAValueInRangeOrAStatus) {
       const double f = TSXStudentTCDF(u, v, status);
       EXPECT_TRUE(status == 0 ? f >= 0 && f <= 1 : Missing(f)) << u << " " << v;
       const double t = TSXStudentTQuantile(u, v, status);
-      EXPECT_TRUE(status == 0 ? std::isfinite(t) : Missing(t)) << u << " " << v;
+      EXPECT_TRUE(status == 0 ? std::isfinite(t) && (t < 0) == (u < 0.5)
+                              : Missing(t))
+          << u << " " << v;
       for (double b : {0.5, 1e-300, 1e300, kMax, 3.0}) {
         const double i = TSXIncompleteBeta(u, v, b, status);
         ASSERT_TRUE(status == 0 ? i >= 0 && i <= 1 : Missing(i))
