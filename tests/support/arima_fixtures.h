@@ -2,9 +2,12 @@
 #ifndef TSXML_TESTS_SUPPORT_ARIMA_FIXTURES_H
 #define TSXML_TESTS_SUPPORT_ARIMA_FIXTURES_H
 
+#include <cstdint>
 #include <memory>
+#include <string>
 #include <type_traits>
 #include <valarray>
+#include <vector>
 
 #include "modelapi/forecast_model.h"
 #include "support/model_fixtures.h"
@@ -86,6 +89,25 @@ inline TSFCrModel MakeCrostonModel(
       MakeSubmodelState(12.5, 0.2), MakeSubmodelState(3.25, 0.1),
       MakeSubmodelState(4, 0.3), info,
       static_cast<BFSharedConst::TSFunctionType>(function)));
+}
+
+// A "LagTerm" ("ZeroLagTerm" for lag 0), empty without an estimate.
+inline std::string LagTerm(size_t tabs, unsigned lag,
+                           const std::string& estimate = "") {
+  std::vector<std::string> estimates;
+  if (!estimate.empty()) estimates.push_back(estimate);
+  if (lag == 0) return EstimateElement(tabs, "ZeroLagTerm", {}, estimates);
+  return EstimateElement(tabs, "LagTerm",
+                         {"lag=\"" + std::to_string(lag) + "\""}, estimates);
+}
+
+inline std::string OutlierEffect(size_t tabs, const std::string& type,
+                                 uint64_t start,
+                                 const std::vector<std::string>& estimates) {
+  return EstimateElement(
+      tabs, "OutlierEffect",
+      {"type=\"" + type + "\"", "startIndex=\"" + std::to_string(start) + "\""},
+      estimates);
 }
 
 }  // namespace testing_support

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <valarray>
+#include <vector>
 
 #include "modelapi/forecast_model.h"
 #include "xml/xml_node.h"
@@ -13,13 +14,31 @@
 namespace testing_support {
 
 // "\n" + the lines joined by "\n": the text of a serialised element.
-inline std::string Lines(std::initializer_list<const char*> lines) {
+inline std::string Lines(std::initializer_list<std::string> lines) {
   std::string text;
-  for (const char* line : lines) {
+  for (const std::string& line : lines) {
     text += '\n';
     text += line;
   }
   return text;
+}
+
+// Expected text, a line of Lines(): element `name` at `tabs` tabs with one
+// attribute a line and an "EstimatedParameter" for each estimate, or
+// self-closing without estimates.
+inline std::string EstimateElement(size_t tabs, const std::string& name,
+                                   const std::vector<std::string>& attributes,
+                                   const std::vector<std::string>& estimates) {
+  const std::string indent(tabs, '\t');
+  std::string text = indent + "<" + name;
+  for (const std::string& a : attributes) text += "\n" + indent + "\t" + a;
+  if (estimates.empty()) return text + "/>";
+  text += ">";
+  for (const std::string& e : estimates) {
+    text +=
+        "\n" + indent + "\t<EstimatedParameter>" + e + "</EstimatedParameter>";
+  }
+  return text + "\n" + indent + "</" + name + ">";
 }
 
 // The text of `node` with a default format at `level`.
@@ -50,8 +69,8 @@ inline TSFModel MakeESModel(const ESModelSpec& spec,
                             const std::valarray<double>& history = {},
                             const WIESSmState& initialState = WIESSmState()) {
   return TSFModel(new TSFModelImp(
-      std::make_unique<ESForecastState>(spec, parameters, stdErrors,
-                                        finalState, initialState),
+      std::make_unique<ESForecastState>(spec, parameters, stdErrors, finalState,
+                                        initialState),
       info, history));
 }
 
