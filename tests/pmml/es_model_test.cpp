@@ -248,16 +248,16 @@ TEST(ESModelTest, TransformationMissingRMSEAndInfinityAsTheyPrint) {
 
 TEST(ESModelTest, MiningSchemaNamesTheTimeFieldSetWhenTheModelIsAdded) {
   TSXPMMLDocument document;
-  document.SetDateField("Day", "date");
-  const TSFModel model = MakeTypeModel(ESModelSpec::ESSimple);
-  document.AddModel(model, TSXDictionaryRefs("M", "", "y"), {});
-  document.SetDateField("Hour", "time");
-  document.AddModel(model, TSXDictionaryRefs("M", "", "y"), {});
+  for (const char* field : {"Day", "Hour"}) {
+    document.SetDateField(field, "date");
+    document.AddModel(MakeTypeModel(ESModelSpec::ESSimple),
+                      TSXDictionaryRefs("M", "", "y"), {});
+  }
   ASSERT_EQ(document.GetModelElementCount(), 2u);
-  EXPECT_EQ(Text(*document.GetModelElement(0)).substr(0, Head("Day").size()),
-            Head("Day"));
-  EXPECT_EQ(Text(*document.GetModelElement(1)).substr(0, Head("Hour").size()),
-            Head("Hour"));
+  EXPECT_EQ(Text(*document.GetModelElement(0)),
+            Head("Day") + Smoothing(Level()) + Tail(false));
+  EXPECT_EQ(Text(*document.GetModelElement(1)),
+            Head("Hour") + Smoothing(Level()) + Tail(false));
   EXPECT_EQ(document.GetModelElement(2), nullptr);
 }
 

@@ -22,13 +22,17 @@ struct ModelOptions {
   std::valarray<double> history;  // observed series
 };
 
+inline bool IsSeasonal(int type) {
+  return type == ESModelSpec::ESAdditiveWinters ||
+         type == ESModelSpec::ESMultiplicativeWinters ||
+         type == ESModelSpec::ESSimpleSeasonal;
+}
+
 // A fitted model of ESModelSpec type `type` (0 to 6): estimates 0.5, 0.25,
 // 0.125, 0.875 in parameter order, final level 10 and trend 2, seasonal
 // values 1, 2, ... with phase 1, and an initial state of 9, 1.5, 0.5, 1, ...
 inline TSFModel MakeTypeModel(int type, const ModelOptions& options = {}) {
-  const bool seasonal = type == ESModelSpec::ESAdditiveWinters ||
-                        type == ESModelSpec::ESMultiplicativeWinters ||
-                        type == ESModelSpec::ESSimpleSeasonal;
+  const bool seasonal = IsSeasonal(type);
   const unsigned season = seasonal ? options.seasonLength : 1;
   const ESModelSpec spec(type, season);
   const double estimates[] = {0.5, 0.25, 0.125, 0.875};

@@ -25,6 +25,7 @@
 
 namespace {
 
+using pmml_test::IsSeasonal;
 using pmml_test::MakeTypeModel;
 using pmml_test::ModelOptions;
 
@@ -32,12 +33,6 @@ constexpr int kTypeCount = 7;
 const char* const kTypeNames[kTypeCount] = {
     "ESAdditiveWinters",       "ESBrown",          "ESDampedTrend", "ESHolt",
     "ESMultiplicativeWinters", "ESSimpleSeasonal", "ESSimple"};
-
-bool IsSeasonal(int type) {
-  return type == ESModelSpec::ESAdditiveWinters ||
-         type == ESModelSpec::ESMultiplicativeWinters ||
-         type == ESModelSpec::ESSimpleSeasonal;
-}
 
 bool HasTrend(int type) {
   return type != ESModelSpec::ESSimpleSeasonal && type != ESModelSpec::ESSimple;
