@@ -63,16 +63,12 @@ TEST(ARIMAStateElementTest, PredictorHistoryWithEmptyLists) {
                    "\t</ARIMACLSState>", "</P>"}));
 }
 
+// The states with every list filled are in the tree's ARIMA documents.
 TEST(ARIMAStateElementTest, MLStateWritesThePackedOmega) {
   ARMAMLForecastState state{AMModelSpec()};
   state.SetStateSpan(TSSpan(0, 48, 1));
   state.SetActualZ({2});
-  DSymMat omega(3);
-  omega.Set(0, 0, 1);
-  omega.Set(2, 1, 0.5);
-  omega.Set(1, 2, 0.25);  // the same element as (2, 1)
-  omega.Set(2, 2, 4);
-  state.SetFinalOmega(omega);
+  state.SetFinalOmega(DSymMat(3, {1, 0, 0, 0, 0.25, 4}));
   state.SetFinalStateV({0.125, -0.125, 1});
   EXPECT_EQ(Under([&](XMLElement& p) { tsxml::AddARIMAMLState(p, state); }),
             Lines({"<P>", "\t<ARIMAMLState", "\t\tperiodDeficit=\"1\">",

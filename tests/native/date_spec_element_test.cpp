@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "datespec/date_spec.h"
+#include "support/date_spec_fixtures.h"
 #include "support/model_fixtures.h"
 
 namespace {
@@ -20,48 +21,32 @@ std::string Element(const TSXDateSpec& spec, const std::string& descriptor,
   return Text(*element);
 }
 
-void SetFirstCase(TSXDateSpec& spec, std::vector<unsigned> indexes) {
-  TSXDateSpec::TSXIndexTuple first(spec);
-  ASSERT_TRUE(first.SetIndexes(indexes));
-  ASSERT_TRUE(spec.SetFirstCaseIndex(first).IsOK());
-}
-
 TEST(DateSpecificationElementTest, YearsAndMonthsFromTheThirdMonth) {
-  TSXDateSpec spec(TSXDateSpec::Year);
-  ASSERT_TRUE(spec.AddPeriod(TSXDateSpec::Month, 12, 0, 0).IsOK());
-  SetFirstCase(spec, {2001, 2});
-  EXPECT_EQ(Element(spec, "monthly", 3),
+  EXPECT_EQ(Element(testing_support::MonthlyDateSpec(2001, 2), "monthly", 3),
             Lines({"<DateSpecification", "\tdateSpecID=\"3\"",
                    "\tdateSpecDescriptor=\"monthly\">", "\t<Periods>",
-                   "\t\t<Year", "\t\t\tfirstCaseIndex=\"2001\"/>",
-                   "\t\t<Month", "\t\t\tcycleLength=\"12\"",
-                   "\t\t\tfirstCaseIndex=\"2\"/>", "\t</Periods>",
-                   "</DateSpecification>"}));
-}
-
-TEST(DateSpecificationElementTest, BasePeriodOnlyAndIdentifierZero) {
-  EXPECT_EQ(Element(TSXDateSpec(TSXDateSpec::Cycle), "", 0),
-            Lines({"<DateSpecification", "\tdateSpecID=\"0\">", "\t<Periods>",
-                   "\t\t<Cycle", "\t\t\tfirstCaseIndex=\"0\"/>",
+                   "\t\t<Year", "\t\t\tfirstCaseIndex=\"2001\"/>", "\t\t<Month",
+                   "\t\t\tcycleLength=\"12\"", "\t\t\tfirstCaseIndex=\"2\"/>",
                    "\t</Periods>", "</DateSpecification>"}));
 }
 
 TEST(DateSpecificationElementTest, EveryOptionalPart) {
-  // Weeks of five working days out of seven, every day a case, with gaps and
-  // a first case day.
+  // Weeks of five working days out of seven, with gaps, a first case day and
+  // no descriptor.
   TSXDateSpec spec(TSXDateSpec::Week);
   ASSERT_TRUE(spec.AddPeriod(TSXDateSpec::Day, 7, 0, 5).IsOK());
   spec.SetForcedSeasonLength(5);
   spec.SetFiscalYearStart(4);
-  SetFirstCase(spec, {10, 1});
+  TSXDateSpec::TSXIndexTuple first(spec);
+  ASSERT_TRUE(first.SetIndexes({10, 1}));
+  ASSERT_TRUE(spec.SetFirstCaseIndex(first).IsOK());
   ASSERT_TRUE(spec.AddGap(3).IsOK());
   ASSERT_TRUE(spec.AddGap(9).IsOK());
   ASSERT_TRUE(spec.SetFirstCaseDay(31, 2, 1999));
   EXPECT_EQ(Element(spec, "", 1),
-            Lines({"<DateSpecification", "\tdateSpecID=\"1\">",
-                   "\t<Periods", "\t\tforcedSeasonLength=\"5\"",
-                   "\t\tfiscalYearStart=\"4\">", "\t\t<Week",
-                   "\t\t\tfirstCaseIndex=\"10\"/>", "\t\t<Day",
+            Lines({"<DateSpecification", "\tdateSpecID=\"1\">", "\t<Periods",
+                   "\t\tforcedSeasonLength=\"5\"", "\t\tfiscalYearStart=\"4\">",
+                   "\t\t<Week", "\t\t\tfirstCaseIndex=\"10\"/>", "\t\t<Day",
                    "\t\t\tcycleLength=\"7\"", "\t\t\tsubCycleStart=\"0\"",
                    "\t\t\tsubCycleLength=\"5\"", "\t\t\tfirstCaseIndex=\"1\"/>",
                    "\t</Periods>", "\t<GapList>3 9</GapList>",
@@ -70,11 +55,9 @@ TEST(DateSpecificationElementTest, EveryOptionalPart) {
 }
 
 TEST(DateSpecificationElementTest, LowestIncrementOnPeriods) {
-  TSXDateSpec spec(TSXDateSpec::Year);
-  ASSERT_TRUE(spec.AddPeriod(TSXDateSpec::Month, 12, 0, 0).IsOK());
+  TSXDateSpec spec = testing_support::MonthlyDateSpec(2001);
   ASSERT_TRUE(spec.SetLowestIncrement(3).IsOK());
-  const std::string text = Element(spec, "", 1);
-  EXPECT_NE(text.find("\t<Periods\n\t\tlowestIncrement=\"3\">"),
+  EXPECT_NE(Element(spec, "", 1).find("\t<Periods\n\t\tlowestIncrement=\"3\">"),
             std::string::npos);
 }
 

@@ -59,20 +59,14 @@ TEST(TransformationElementTest, AttributesOnlyWhereTheyApply) {
   EXPECT_TRUE(tsxml::AddTransformationElement(*p, 0, 1, 0, 0));
   EXPECT_TRUE(tsxml::AddTransformationElement(*p, 2, 1, 1, 3));
   EXPECT_TRUE(tsxml::AddTransformationElement(*p, 7, 0, 12, 0));
-  EXPECT_EQ(Text(*p), Lines({"<p>",
-                             "\t<Transformation",
-                             "\t\tfunction=\"logarithm\"/>",
-                             "\t<Transformation",
-                             "\t\tnonSeasonalDiff=\"1\"/>",
-                             "\t<Transformation",
-                             "\t\tfunction=\"squareRoot\"",
-                             "\t\tnonSeasonalDiff=\"1\"",
-                             "\t\tseasonalDiff=\"1\"",
-                             "\t\tdelay=\"3\"/>",
-                             "\t<Transformation",
-                             "\t\tfunction=\"squareRoot\"",
-                             "\t\tseasonalDiff=\"12\"/>",
-                             "</p>"}));
+  EXPECT_EQ(Text(*p),
+            Lines({"<p>", "\t<Transformation", "\t\tfunction=\"logarithm\"/>",
+                   "\t<Transformation", "\t\tnonSeasonalDiff=\"1\"/>",
+                   "\t<Transformation", "\t\tfunction=\"squareRoot\"",
+                   "\t\tnonSeasonalDiff=\"1\"", "\t\tseasonalDiff=\"1\"",
+                   "\t\tdelay=\"3\"/>", "\t<Transformation",
+                   "\t\tfunction=\"squareRoot\"", "\t\tseasonalDiff=\"12\"/>",
+                   "</p>"}));
 }
 
 TEST(EstimatedParameterTest, EstimateErrorAndRefusal) {
@@ -82,20 +76,20 @@ TEST(EstimatedParameterTest, EstimateErrorAndRefusal) {
   EXPECT_TRUE(tsxml::AddEstimatedParameter(*p, -2, kMissing));
   // Infinities keep the number text here, unlike in value lists.
   EXPECT_TRUE(tsxml::AddEstimatedParameter(*p, -kInf, kInf));
-  EXPECT_EQ(Text(*p), Lines({"<p>",
-                             "\t<EstimatedParameter>0.5 0.125</EstimatedParameter>",
-                             "\t<EstimatedParameter>-2</EstimatedParameter>",
-                             "\t<EstimatedParameter>-inf inf</EstimatedParameter>",
-                             "</p>"}));
+  EXPECT_EQ(
+      Text(*p),
+      Lines({"<p>", "\t<EstimatedParameter>0.5 0.125</EstimatedParameter>",
+             "\t<EstimatedParameter>-2</EstimatedParameter>",
+             "\t<EstimatedParameter>-inf inf</EstimatedParameter>", "</p>"}));
 }
 
 TEST(StatisticTest, MissingLeavesNoTraceAndInfinityReadsINF) {
   auto p = Element();
   tsxml::AddStatistic(*p, "rSqr", kMissing);
   tsxml::AddStatistic(*p, "maxAbsErr", -kInf);
-  EXPECT_EQ(Text(*p), Lines({"<p>", "\t<Statistic",
-                             "\t\ttype=\"maxAbsErr\">-INF</Statistic>",
-                             "</p>"}));
+  EXPECT_EQ(Text(*p),
+            Lines({"<p>", "\t<Statistic",
+                   "\t\ttype=\"maxAbsErr\">-INF</Statistic>", "</p>"}));
 }
 
 TEST(EstimationInfoTest, AllMissingGivesThreeAttributesOnly) {
@@ -104,10 +98,10 @@ TEST(EstimationInfoTest, AllMissingGivesThreeAttributesOnly) {
   info.SetDegreesOfFreedom(37);
   auto p = Element();
   tsxml::AddEstimationInfo(*p, info);
-  EXPECT_EQ(Text(*p), Lines({"<p>", "\t<EstimationInfo",
-                             "\t\tperiodStartIndex=\"-3\"",
-                             "\t\tperiodLength=\"40\"",
-                             "\t\tdegreesOfFreedom=\"37\"/>", "</p>"}));
+  EXPECT_EQ(Text(*p),
+            Lines({"<p>", "\t<EstimationInfo", "\t\tperiodStartIndex=\"-3\"",
+                   "\t\tperiodLength=\"40\"", "\t\tdegreesOfFreedom=\"37\"/>",
+                   "</p>"}));
 }
 
 TEST(EstimationInfoTest, StatisticsInTableOrderThenLjungBox) {
@@ -124,35 +118,36 @@ TEST(EstimationInfoTest, StatisticsInTableOrderThenLjungBox) {
   info.SetLBStat(12.5, 18, 16, 0.75);
   auto p = Element();
   tsxml::AddEstimationInfo(*p, info);
-  EXPECT_EQ(Text(*p),
-            Lines({"<p>", "\t<EstimationInfo", "\t\tperiodStartIndex=\"0\"",
-                   "\t\tperiodLength=\"60\"", "\t\tdegreesOfFreedom=\"57\">",
-                   "\t\t<Statistic", "\t\t\ttype=\"errVariance\">4</Statistic>",
-                   "\t\t<Statistic", "\t\t\ttype=\"meanSqrErr\">4</Statistic>",
-                   "\t\t<Statistic",
-                   "\t\t\ttype=\"logLikelihood\">-45</Statistic>",
-                   "\t\t<Statistic", "\t\t\ttype=\"akaikeIC\">99.5</Statistic>",
-                   "\t\t<Statistic", "\t\t\ttype=\"bayesIC\">101</Statistic>",
-                   "\t\t<Statistic",
-                   "\t\t\ttype=\"stationaryRSqr\">0.25</Statistic>",
-                   "\t\t<LjungBoxStatistic", "\t\t\tk=\"18\"",
-                   "\t\t\tdegreesOfFreedom=\"16\"",
-                   "\t\t\tpValue=\"0.75\">12.5</LjungBoxStatistic>",
-                   "\t</EstimationInfo>", "</p>"}));
+  EXPECT_EQ(Text(*p), Lines({"<p>",
+                             "\t<EstimationInfo",
+                             "\t\tperiodStartIndex=\"0\"",
+                             "\t\tperiodLength=\"60\"",
+                             "\t\tdegreesOfFreedom=\"57\">",
+                             "\t\t<Statistic",
+                             "\t\t\ttype=\"errVariance\">4</Statistic>",
+                             "\t\t<Statistic",
+                             "\t\t\ttype=\"meanSqrErr\">4</Statistic>",
+                             "\t\t<Statistic",
+                             "\t\t\ttype=\"logLikelihood\">-45</Statistic>",
+                             "\t\t<Statistic",
+                             "\t\t\ttype=\"akaikeIC\">99.5</Statistic>",
+                             "\t\t<Statistic",
+                             "\t\t\ttype=\"bayesIC\">101</Statistic>",
+                             "\t\t<Statistic",
+                             "\t\t\ttype=\"stationaryRSqr\">0.25</Statistic>",
+                             "\t\t<LjungBoxStatistic",
+                             "\t\t\tk=\"18\"",
+                             "\t\t\tdegreesOfFreedom=\"16\"",
+                             "\t\t\tpValue=\"0.75\">12.5</LjungBoxStatistic>",
+                             "\t</EstimationInfo>",
+                             "</p>"}));
 }
 
-TEST(ModelAttributesTest, OptionalNamesAndDateSpec) {
+TEST(ModelAttributesTest, EmptyNamesAreLeftOut) {
+  // All attributes in their order: see the ARIMA element.
   auto bare = Element("m");
   tsxml::AddModelAttributes(*bare, TSXDictionaryRefs("", "", ""));
   EXPECT_EQ(Text(*bare), "\n<m\n\tvariableID=\"\"/>");
-
-  TSXDictionaryRefs refs("A", "d", "y");
-  refs.SetDateSpecID(2);
-  auto full = Element("m");
-  tsxml::AddModelAttributes(*full, refs);
-  EXPECT_EQ(Text(*full), Lines({"<m", "\tmodelName=\"A\"",
-                                "\tmodelDescriptor=\"d\"",
-                                "\tvariableID=\"y\"", "\tdateSpecID=\"2\"/>"}));
 }
 
 }  // namespace
