@@ -35,22 +35,15 @@ TEST(NumberText, DefaultRouteTable) {
   EXPECT_EQ(Plain(1e-4), "0.0001");
   EXPECT_EQ(Plain(1e-5), "1e-05");
   EXPECT_EQ(Plain(1.0 / 3.0), "0.333333333333333");
-  EXPECT_EQ(Plain(-2.0 / 3.0), "-0.666666666666667");
   EXPECT_EQ(Plain(123456789012345.0), "123456789012345");
   EXPECT_EQ(Plain(1234567890123456.0), "1.23456789012346e+15");
   EXPECT_EQ(Plain(-DBL_MAX), "-1.79769313486232e+308");
-  EXPECT_EQ(Plain(DBL_MIN), "2.2250738585072e-308");
   EXPECT_EQ(Plain(std::numeric_limits<double>::denorm_min()),
             "4.94065645841247e-324");
-  EXPECT_EQ(Plain(1e100), "1e+100");
-  EXPECT_EQ(Plain(0.000123456), "0.000123456");
-}
-
-TEST(NumberText, NonFiniteValuesReadAsTheStreamPrintsThem) {
+  // Values that are not finite read as the stream prints them.
   for (double value : {HUGE_VAL, -HUGE_VAL, std::nan(""), -std::nan("")}) {
     EXPECT_EQ(Plain(value), internal::FormatGeneral15ViaStream(value));
   }
-  EXPECT_EQ(Plain(HUGE_VAL), "inf");
   EXPECT_EQ(Plain(-HUGE_VAL), "-inf");
 }
 
@@ -64,19 +57,19 @@ TEST(NumberText, FormatStringRoute) {
   EXPECT_EQ(Format(2.0, true, wide), std::string(111, ' '));
 }
 
-TEST(NumberText, IntegerText) {
+TEST(NumberText, IntegerTextIsWhatPrintfMakesOfTheDouble) {
   EXPECT_EQ(Format(static_cast<long>(INT32_MIN)), "-2147483648");
-  EXPECT_EQ(Format(static_cast<long>(INT32_MAX)), "2147483647");
-  EXPECT_EQ(Format(0L), "0");
-  EXPECT_EQ(Format(-7L), "-7");
-  EXPECT_EQ(Format(999999999999999L), "999999999999999");
-  EXPECT_EQ(Format(1000000000000000L), "1e+15");
-  EXPECT_EQ(Format(LONG_MIN), "-9.22337203685478e+18");
-
-  // Every value gives what printf makes of it as a double.
   std::mt19937_64 rng(5);
-  std::vector<long> values = {LONG_MIN, LONG_MAX, -999999999999999L,
-                              -1000000000000000L, 1000000000000001L};
+  std::vector<long> values = {LONG_MIN,
+                              LONG_MAX,
+                              INT32_MAX,
+                              0,
+                              -7,
+                              -999999999999999L,
+                              999999999999999L,
+                              -1000000000000000L,
+                              1000000000000000L,
+                              1000000000000001L};
   for (int i = 0; i < 20000; ++i) {
     const int shift = static_cast<int>(rng() % 64);
     values.push_back(static_cast<long>(rng() >> shift));
@@ -89,79 +82,46 @@ TEST(NumberText, IntegerText) {
   }
 }
 
-TEST(NumberText, FixedStrings) {
-  EXPECT_EQ(GetDefaultNumericFormat(), "%.15g");
-  EXPECT_EQ(GetListSeparator(), ";");
-  xml_reference::ScopedCLocale numeric(LC_NUMERIC, "C");
-  EXPECT_EQ(GetDecimalCharacter(), ".");
-}
-
-// Doubles of every kind: specials, powers and their neighbours, random bit
-// patterns, decimal-looking values with 16th-digit ties, integers,
-// subnormals and log-uniform magnitudes, each also negated.
+// Doubles of every kind: powers of 10 and 2 with their neighbours, random
+// bit patterns, subnormals, 15 digits with a tie or more digits behind,
+// integers, short decimals and log-uniform magnitudes, each also negated.
 std::vector<double> ManyDoubles() {
-  std::vector<double> values = {0.0,
-                                1.0,
-                                0.1,
-                                1.0 / 3.0,
-                                DBL_MAX,
-                                DBL_MIN,
-                                std::numeric_limits<double>::denorm_min(),
-                                std::nextafter(DBL_MAX, 0.0),
-                                1e15,
-                                1e15 - 1,
-                                1e16,
-                                999999999999999.5,
-                                0.0001,
-                                0.00001,
+  std::vector<double> values = {DBL_MAX, DBL_MIN, 999999999999999.5,
                                 9.999999999999995e-5};
-  for (int e = -324; e <= 308; ++e) {
-    const double p = std::pow(10.0, e);
+  auto with_neighbours = [&values](double p) {
     values.insert(values.end(),
                   {p, std::nextafter(p, 0.0), std::nextafter(p, HUGE_VAL)});
-  }
-  for (int e = -1074; e <= 1023; ++e) {
-    const double p = std::ldexp(1.0, e);
-    values.insert(values.end(),
-                  {p, std::nextafter(p, 0.0), std::nextafter(p, HUGE_VAL)});
-  }
+  };
+  for (int e = -324; e <= 308; ++e) with_neighbours(std::pow(10.0, e));
+  for (int e = -1074; e <= 1023; ++e) with_neighbours(std::ldexp(1.0, e));
   std::mt19937_64 rng(424242);
   auto bits_to_double = [](std::uint64_t bits) {
     double d;
     std::memcpy(&d, &bits, sizeof(d));
     return d;
   };
-  for (int i = 0; i < 150000; ++i) values.push_back(bits_to_double(rng()));
-  for (int i = 0; i < 30000; ++i) {  // subnormals
-    values.push_back(bits_to_double(rng() & ((std::uint64_t{1} << 52) - 1)));
-  }
+  auto digits = [&rng](int n) {
+    std::string text;
+    for (; n > 0; --n) text += static_cast<char>('0' + rng() % 10);
+    return text;
+  };
   std::uniform_int_distribution<int> exponent(-330, 310);
-  for (int i = 0; i < 140000; ++i) {
-    // 15 digits, then a 5 (a tie at the sixteenth) or random further digits.
-    std::string text = std::to_string(1 + rng() % 9) + ".";
-    for (int d = 0; d < 14; ++d) text += static_cast<char>('0' + rng() % 10);
-    if (i % 2 == 0) {
-      text += '5';
-    } else {
-      for (int d = static_cast<int>(rng() % 4); d > 0; --d) {
-        text += static_cast<char>('0' + rng() % 10);
-      }
-    }
-    text += "e" + std::to_string(exponent(rng));
-    values.push_back(std::strtod(text.c_str(), nullptr));
-  }
-  for (int i = 0; i < 60000; ++i) {
-    const int shift = static_cast<int>(rng() % 64);
-    values.push_back(static_cast<double>(rng() >> shift));
-  }
-  for (int i = 0; i < 60000; ++i) {  // short decimals such as 123.25
-    values.push_back(static_cast<double>(rng() % 1000000) /
-                     std::pow(10.0, static_cast<int>(rng() % 8)));
-  }
   std::uniform_real_distribution<double> unit(0.5, 1.0);
   std::uniform_int_distribution<int> binary_exponent(-1074, 1024);
-  for (int i = 0; i < 120000; ++i) {
-    values.push_back(std::ldexp(unit(rng), binary_exponent(rng)));
+  for (int i = 0; i < 100000; ++i) {
+    values.push_back(bits_to_double(rng()));
+    values.push_back(bits_to_double(rng() & ((std::uint64_t{1} << 52) - 1)));
+    std::string text = std::to_string(1 + rng() % 9) + ".";
+    text += digits(14);
+    text += i % 2 == 0 ? "5" : digits(static_cast<int>(rng() % 4));
+    values.push_back(std::strtod(
+        (text + "e" + std::to_string(exponent(rng))).c_str(), nullptr));
+    const int shift = static_cast<int>(rng() % 64);
+    values.push_back(static_cast<double>(rng() >> shift));
+    const double decimal = static_cast<double>(rng() % 1000000);
+    values.push_back(decimal / std::pow(10.0, static_cast<int>(rng() % 8)));
+    const double mantissa = unit(rng);
+    values.push_back(std::ldexp(mantissa, binary_exponent(rng)));
   }
   const std::size_t positives = values.size();
   for (std::size_t i = 0; i < positives; ++i) values.push_back(-values[i]);

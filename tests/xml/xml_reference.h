@@ -21,24 +21,19 @@ inline std::string ReplaceAll(std::string text, const std::string& from,
   return text;
 }
 
-inline std::string EscapeText(const std::string& text) {
-  return ReplaceAll(ReplaceAll(text, "&", "&amp;"), "<", "&lt;");
-}
-
 inline std::string EscapeAttribute(std::string text) {
   const std::pair<const char*, const char*> steps[] = {
       {"&", "&amp;"}, {"<", "&lt;"},   {">", "&gt;"},   {"\"", "&quot;"},
       {"\t", "&#9;"}, {"\n", "&#10;"}, {"\r", "&#13;"}, {"  ", " &#32;"}};
-  for (const auto& step : steps)
+  for (const auto& step : steps) {
     text = ReplaceAll(text, step.first, step.second);
+  }
   if (!text.empty() && text.front() == ' ') text.replace(0, 1, "&#32;");
   if (!text.empty() && text.back() == ' ') {
     text.replace(text.size() - 1, 1, "&#32;");
   }
   return text;
 }
-
-inline std::string Tabs(int n) { return n < 1 ? "" : std::string(n, '\t'); }
 
 // A node as the test sees it: a text node, or an element.
 struct Node {
@@ -59,30 +54,23 @@ struct Format {
 inline void Write(const Node& node, Format& f,
                   std::vector<std::string>& pieces) {
   if (node.is_text) {
-    pieces.push_back(EscapeText(node.name));
+    pieces.push_back(
+        ReplaceAll(ReplaceAll(node.name, "&", "&amp;"), "<", "&lt;"));
     f.new_paragraph = f.indentation = false;
     return;
   }
-  const std::string indent = Tabs(f.level);
-  auto line_start = [&] {
-    std::string text;
-    if (f.format) {
-      if (f.new_paragraph) text += "\n";
-      if (f.format && f.indentation) text += indent;
-    }
-    return text;
+  const std::string tabs(f.level < 1 ? 0 : f.level, '\t');
+  const std::string inner_tabs(f.level < 0 ? 0 : f.level + 1, '\t');
+  // A line feed (or `otherwise`) and `t`, as far as the flags ask for them.
+  auto lead = [&f](const char* otherwise, const std::string& t) {
+    return std::string(f.format && f.new_paragraph ? "\n" : otherwise) +
+           (f.format && f.indentation ? t : "");
   };
-  pieces.push_back(line_start() + "<" + node.name);
-  if (!node.attributes.empty()) {
-    ++f.level;
-    for (const auto& attribute : node.attributes) {
-      std::string separator = f.format && f.new_paragraph ? "\n" : " ";
-      if (f.format && f.indentation) separator += Tabs(f.level);
-      pieces.push_back(separator);
-      pieces.push_back(attribute.first + "=\"" +
-                       EscapeAttribute(attribute.second) + "\"");
-    }
-    --f.level;
+  pieces.push_back(lead("", tabs) + "<" + node.name);
+  for (const auto& attribute : node.attributes) {
+    pieces.push_back(lead(" ", inner_tabs));
+    pieces.push_back(attribute.first + "=\"" +
+                     EscapeAttribute(attribute.second) + "\"");
   }
   if (node.children.empty()) {
     pieces.push_back("/>");
@@ -91,14 +79,18 @@ inline void Write(const Node& node, Format& f,
     ++f.level;
     for (const Node& child : node.children) Write(child, f, pieces);
     --f.level;
-    pieces.push_back(line_start() + "</" + node.name + ">");
+    pieces.push_back(lead("", tabs) + "</" + node.name + ">");
   }
   f.new_paragraph = f.indentation = true;
 }
 
-inline std::string Join(const std::vector<std::string>& pieces) {
+// The pieces joined, keeping only those `keep` accepts if it is given.
+inline std::string Join(const std::vector<std::string>& pieces,
+                        bool (*keep)(const std::string&) = nullptr) {
   std::string text;
-  for (const std::string& piece : pieces) text += piece;
+  for (const std::string& piece : pieces) {
+    if (keep == nullptr || keep(piece)) text += piece;
+  }
   return text;
 }
 
