@@ -118,35 +118,26 @@ void CheckWriteToStream(MakeTreeFunction make, int count) {
 
 TEST(AllocationFailureTest, AddModelTreeLeavesTheTreeUnchanged) {
   CheckAddModelTree(MakeSeasonalModel(), TSXDictionaryRefs("M", "", "y"));
-}
-
-TEST(AllocationFailureTest, AddARIMAModelWithEveryPart) {
   const TSXDictionaryRefs refs("A", "d", "y", {"x"});
   CheckAddModelTree(MakeFullARIMAModel<ARMACLSForecastState>(), refs);
   CheckAddModelTree(MakeFullARIMAModel<ARMAMLForecastState>(), refs);
   CheckAddModelTree(MakeFullARIMAModel<ARMAMLSpForecastState>(), refs);
-}
-
-TEST(AllocationFailureTest, AddCrostonModel) {
   CheckAddModelTree(MakeCrostonModel(BFSharedConst::Logarithm),
                     TSXDictionaryRefs("C", "", "demand"));
 }
 
 TEST(AllocationFailureTest, WriteToStreamLeavesTheTreeUnchanged) {
-  CheckWriteToStream([] { return MakeTree(2); }, 2);
-}
-
-TEST(AllocationFailureTest, WriteARIMAAndCrostonModels) {
+  // Simple, seasonal, ARIMA and Croston models.
   CheckWriteToStream(
       [] {
-        TSXMLTree tree = MakeTree(1);
+        TSXMLTree tree = MakeTree(2);
         tree.AddModelTree(MakeFullARIMAModel<ARMAMLSpForecastState>(),
                           TSXDictionaryRefs("A", "", "y", {"x"}));
         tree.AddModelTree(MakeCrostonModel(),
                           TSXDictionaryRefs("C", "", "demand"));
         return tree;
       },
-      3);
+      4);
 }
 
 // A PMML tree with a date specification and `count` models: a simple one on

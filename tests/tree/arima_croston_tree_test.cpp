@@ -1,8 +1,6 @@
 // ARIMA and Croston models through the document tree.
 #include <gtest/gtest.h>
 
-#include <memory>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -11,35 +9,22 @@
 #include "support/model_fixtures.h"
 #include "tree/model_xml_tree_maker.h"
 #include "tree/tsxml_tree.h"
+#include "tree_test_util.h"
 
 namespace {
 
+using testing_support::BasicInfo;
+using testing_support::EstimateElement;
+using testing_support::LagTerm;
 using testing_support::Lines;
 using testing_support::MakeCrostonModel;
 using testing_support::MakeFullARIMAModel;
 using testing_support::MakeSimpleModel;
-
-const std::string kDeclaration = "<?xml version=\"1.0\" encoding=\"UTF-8\" ?>";
-const std::string kDocumentStart = "\n\t<Header/>\n\t<DataDictionary/>";
-const std::string kInfo =
-    Lines({"\t\t<EstimationInfo", "\t\t\tperiodStartIndex=\"0\"",
-           "\t\t\tperiodLength=\"24\"", "\t\t\tdegreesOfFreedom=\"23\">",
-           "\t\t\t<Statistic", "\t\t\t\ttype=\"errVariance\">2.5</Statistic>",
-           "\t\t</EstimationInfo>"});
-
-std::string Write(TSXMLTree& tree) {
-  std::ostringstream out;
-  EXPECT_TRUE(tree.WriteToStream(out));
-  return out.str();
-}
-
-// The document after the root's start tag; the root itself is checked with
-// the exponential smoothing documents.
-std::string Body(const std::string& document) {
-  EXPECT_EQ(document.rfind(kDeclaration + "\n<TSCXML", 0), 0u);
-  const size_t header = document.find("\n\t<Header");
-  return header == std::string::npos ? document : document.substr(header);
-}
+using testing_support::MakeSubmodelState;
+using testing_support::OutlierEffect;
+using tree_testing::kBasicInfo;
+using tree_testing::kDocumentStart;
+using tree_testing::Write;
 
 // The names of the elements at `depth` tabs, in document order.
 std::vector<std::string> NamesAtDepth(const std::string& text, size_t depth) {
@@ -61,98 +46,43 @@ TEST(ARIMATreeTest, WholeDocumentWithAnARIMAModel) {
   ASSERT_TRUE(
       tree.AddModelTree(MakeFullARIMAModel<ARMAMLForecastState>(), kARIMARefs));
   EXPECT_EQ(
-      Body(Write(tree)),
+      Write(tree),
       kDocumentStart +
-          Lines(
-              {"\t<ARIMAModel",
-               "\t\tmodelName=\"Sales\"",
-               "\t\tvariableID=\"sales\"",
-               "\t\tseasonLength=\"12\">",
-               "\t\t<Transformation",
-               "\t\t\tfunction=\"logarithm\"",
-               "\t\t\tnonSeasonalDiff=\"1\"",
-               "\t\t\tseasonalDiff=\"1\"/>",
-               "\t\t<ConstantTerm>",
-               "\t\t\t<EstimatedParameter>0.5 0.01</EstimatedParameter>",
-               "\t\t</ConstantTerm>",
-               "\t\t<Autoregression>",
-               "\t\t\t<NonSeasonalFactor>",
-               "\t\t\t\t<LagTerm",
-               "\t\t\t\t\tlag=\"1\">",
-               "\t\t\t\t\t<EstimatedParameter>0.75 0.02</EstimatedParameter>",
-               "\t\t\t\t</LagTerm>",
-               "\t\t\t\t<LagTerm",
-               "\t\t\t\t\tlag=\"2\">",
-               "\t\t\t\t\t<EstimatedParameter>1 0.03</EstimatedParameter>",
-               "\t\t\t\t</LagTerm>",
-               "\t\t\t</NonSeasonalFactor>",
-               "\t\t\t<SeasonalFactor>",
-               "\t\t\t\t<LagTerm",
-               "\t\t\t\t\tlag=\"1\">",
-               "\t\t\t\t\t<EstimatedParameter>1.25 0.04</EstimatedParameter>",
-               "\t\t\t\t</LagTerm>",
-               "\t\t\t</SeasonalFactor>",
-               "\t\t</Autoregression>",
-               "\t\t<MovingAverage>",
-               "\t\t\t<SeasonalFactor>",
-               "\t\t\t\t<LagTerm",
-               "\t\t\t\t\tlag=\"1\">",
-               "\t\t\t\t\t<EstimatedParameter>1.5 0.05</EstimatedParameter>",
-               "\t\t\t\t</LagTerm>",
-               "\t\t\t</SeasonalFactor>",
-               "\t\t</MovingAverage>",
-               "\t\t<PredictorEffect",
-               "\t\t\tvariableID=\"price\">",
-               "\t\t\t<Transformation",
-               "\t\t\t\tnonSeasonalDiff=\"1\"",
-               "\t\t\t\tdelay=\"1\"/>",
-               "\t\t\t<Numerator>",
-               "\t\t\t\t<NonSeasonalFactor>",
-               "\t\t\t\t\t<ZeroLagTerm>",
-               "\t\t\t\t\t\t<EstimatedParameter>1.75 0.06</EstimatedParameter>",
-               "\t\t\t\t\t</ZeroLagTerm>",
-               "\t\t\t\t\t<LagTerm",
-               "\t\t\t\t\t\tlag=\"1\">",
-               "\t\t\t\t\t\t<EstimatedParameter>2 0.07</EstimatedParameter>",
-               "\t\t\t\t\t</LagTerm>",
-               "\t\t\t\t</NonSeasonalFactor>",
-               "\t\t\t</Numerator>",
-               "\t\t\t<Denominator>",
-               "\t\t\t\t<NonSeasonalFactor>",
-               "\t\t\t\t\t<LagTerm",
-               "\t\t\t\t\t\tlag=\"1\">",
-               "\t\t\t\t\t\t<EstimatedParameter>2.25 0.08</EstimatedParameter>",
-               "\t\t\t\t\t</LagTerm>",
-               "\t\t\t\t</NonSeasonalFactor>",
-               "\t\t\t</Denominator>",
-               "\t\t</PredictorEffect>",
-               "\t\t<OutlierEffect",
-               "\t\t\ttype=\"additive\"",
-               "\t\t\tstartIndex=\"30\">",
-               "\t\t\t<EstimatedParameter>2.5 0.09</EstimatedParameter>",
-               "\t\t</OutlierEffect>",
-               "\t\t<OutlierEffect",
-               "\t\t\ttype=\"transient\"",
-               "\t\t\tstartIndex=\"41\">",
-               "\t\t\t<EstimatedParameter>2.75 0.1</EstimatedParameter>",
-               "\t\t\t<EstimatedParameter>3 0.11</EstimatedParameter>",
-               "\t\t</OutlierEffect>",
-               "\t\t<ARIMAMLState",
-               "\t\t\tperiodDeficit=\"2\">",
-               "\t\t\t<PredictorState>",
-               "\t\t\t\t<FinalPredictor>3 4</FinalPredictor>",
-               "\t\t\t\t<FinalTransferFunc>0.5 0.75</FinalTransferFunc>",
-               "\t\t\t</PredictorState>",
-               "\t\t\t<ZState>",
-               "\t\t\t\t<FinalZ>0.25 -0.5</FinalZ>",
-               "\t\t\t\t<FinalPredictedZ>0.125 -0.25</FinalPredictedZ>",
-               "\t\t\t</ZState>",
-               "\t\t\t<KalmanState>",
-               "\t\t\t\t<FinalOmega>1 0.5 2</FinalOmega>",
-               "\t\t\t\t<FinalStateVector>0.25 0.125</FinalStateVector>",
-               "\t\t\t</KalmanState>",
-               "\t\t</ARIMAMLState>"}) +
-          kInfo + Lines({"\t</ARIMAModel>", "</TSCXML>"}));
+          Lines({"\t<ARIMAModel", "\t\tmodelName=\"Sales\"",
+                 "\t\tvariableID=\"sales\"", "\t\tseasonLength=\"12\">",
+                 "\t\t<Transformation", "\t\t\tfunction=\"logarithm\"",
+                 "\t\t\tnonSeasonalDiff=\"1\"", "\t\t\tseasonalDiff=\"1\"/>",
+                 EstimateElement(2, "ConstantTerm", {}, {"0.5 0.01"})}) +
+          Lines({"\t\t<Autoregression>", "\t\t\t<NonSeasonalFactor>",
+                 LagTerm(4, 1, "0.75 0.02"), LagTerm(4, 2, "1 0.03"),
+                 "\t\t\t</NonSeasonalFactor>", "\t\t\t<SeasonalFactor>",
+                 LagTerm(4, 1, "1.25 0.04"), "\t\t\t</SeasonalFactor>",
+                 "\t\t</Autoregression>", "\t\t<MovingAverage>",
+                 "\t\t\t<SeasonalFactor>", LagTerm(4, 1, "1.5 0.05"),
+                 "\t\t\t</SeasonalFactor>", "\t\t</MovingAverage>"}) +
+          Lines({"\t\t<PredictorEffect", "\t\t\tvariableID=\"price\">",
+                 "\t\t\t<Transformation", "\t\t\t\tnonSeasonalDiff=\"1\"",
+                 "\t\t\t\tdelay=\"1\"/>", "\t\t\t<Numerator>",
+                 "\t\t\t\t<NonSeasonalFactor>", LagTerm(5, 0, "1.75 0.06"),
+                 LagTerm(5, 1, "2 0.07"), "\t\t\t\t</NonSeasonalFactor>",
+                 "\t\t\t</Numerator>", "\t\t\t<Denominator>",
+                 "\t\t\t\t<NonSeasonalFactor>", LagTerm(5, 1, "2.25 0.08"),
+                 "\t\t\t\t</NonSeasonalFactor>", "\t\t\t</Denominator>",
+                 "\t\t</PredictorEffect>",
+                 OutlierEffect(2, "additive", 30, {"2.5 0.09"}),
+                 OutlierEffect(2, "transient", 41, {"2.75 0.1", "3 0.11"})}) +
+          Lines({"\t\t<ARIMAMLState", "\t\t\tperiodDeficit=\"2\">",
+                 "\t\t\t<PredictorState>",
+                 "\t\t\t\t<FinalPredictor>3 4</FinalPredictor>",
+                 "\t\t\t\t<FinalTransferFunc>0.5 0.75</FinalTransferFunc>",
+                 "\t\t\t</PredictorState>", "\t\t\t<ZState>",
+                 "\t\t\t\t<FinalZ>0.25 -0.5</FinalZ>",
+                 "\t\t\t\t<FinalPredictedZ>0.125 -0.25</FinalPredictedZ>",
+                 "\t\t\t</ZState>", "\t\t\t<KalmanState>",
+                 "\t\t\t\t<FinalOmega>1 0.5 2</FinalOmega>",
+                 "\t\t\t\t<FinalStateVector>0.25 0.125</FinalStateVector>",
+                 "\t\t\t</KalmanState>", "\t\t</ARIMAMLState>"}) +
+          kBasicInfo + Lines({"\t</ARIMAModel>", "</TSCXML>"}));
 }
 
 TEST(ARIMATreeTest, EachStateClassAddsItsStateBeforeEstimationInfo) {
@@ -212,47 +142,33 @@ TEST(ARIMATreeTest, PredictorNameMismatchLeavesTheTreeUnchanged) {
   EXPECT_EQ(maker.ReleaseTree(), nullptr);
 }
 
-const std::string kCrostonElement = Lines({
-    "\t<CrostonModel",
-    "\t\tmodelName=\"Parts\"",
-    "\t\tmodelDescriptor=\"spare parts\"",
-    "\t\tvariableID=\"demand\">",
-    "\t\t<Transformation",
-    "\t\t\tfunction=\"squareRoot\"/>",
-    "\t\t<ActualDemandSubmodel>",
-    "\t\t\t<ESSimple>",
-    "\t\t\t\t<ParmLevel>",
-    "\t\t\t\t\t<EstimatedParameter>0.2 0.05</EstimatedParameter>",
-    "\t\t\t\t</ParmLevel>",
-    "\t\t\t\t<StateLevel>12.5</StateLevel>",
-    "\t\t\t</ESSimple>",
-    "\t\t</ActualDemandSubmodel>",
-    "\t\t<ElapsedTimeSubmodel>",
-    "\t\t\t<ESSimple>",
-    "\t\t\t\t<ParmLevel>",
-    "\t\t\t\t\t<EstimatedParameter>0.1 0.05</EstimatedParameter>",
-    "\t\t\t\t</ParmLevel>",
-    "\t\t\t\t<StateLevel>3.25</StateLevel>",
-    "\t\t\t</ESSimple>",
-    "\t\t</ElapsedTimeSubmodel>",
-    "\t\t<AbsoluteErrorSubmodel>",
-    "\t\t\t<ESSimple>",
-    "\t\t\t\t<ParmLevel>",
-    "\t\t\t\t\t<EstimatedParameter>0.3 0.05</EstimatedParameter>",
-    "\t\t\t\t</ParmLevel>",
-    "\t\t\t\t<StateLevel>4</StateLevel>",
-    "\t\t\t</ESSimple>",
-    "\t\t</AbsoluteErrorSubmodel>",
-});
 const TSXDictionaryRefs kCrostonRefs("Parts", "spare parts", "demand");
 
-TEST(CrostonTreeTest, WholeDocumentWithACrostonModel) {
+TEST(CrostonTreeTest, SubmodelWithMissingLevelKeepsItsElements) {
+  const TSFCrModel model(new TSFCrModelImp(
+      MakeSubmodelState(12.5, 0.2), MakeSubmodelState(MV::gMissingValue, 0.1),
+      MakeSubmodelState(4, 0.3), BasicInfo(), BFSharedConst::SquareRoot));
   TSXMLTree tree;
-  ASSERT_TRUE(tree.AddModelTree(MakeCrostonModel(BFSharedConst::SquareRoot),
-                                kCrostonRefs));
+  ASSERT_TRUE(tree.AddModelTree(model, kCrostonRefs));
   EXPECT_EQ(tree.GetModelCount(), 1);
-  EXPECT_EQ(Body(Write(tree)), kDocumentStart + kCrostonElement + kInfo +
-                                   Lines({"\t</CrostonModel>", "</TSCXML>"}));
+  EXPECT_EQ(Write(tree),
+            kDocumentStart +
+                Lines({"\t<CrostonModel", "\t\tmodelName=\"Parts\"",
+                       "\t\tmodelDescriptor=\"spare parts\"",
+                       "\t\tvariableID=\"demand\">", "\t\t<Transformation",
+                       "\t\t\tfunction=\"squareRoot\"/>",
+                       "\t\t<ActualDemandSubmodel>", "\t\t\t<ESSimple>",
+                       EstimateElement(4, "ParmLevel", {}, {"0.2 0.05"}),
+                       "\t\t\t\t<StateLevel>12.5</StateLevel>",
+                       "\t\t\t</ESSimple>", "\t\t</ActualDemandSubmodel>"}) +
+                Lines({"\t\t<ElapsedTimeSubmodel>", "\t\t\t<ESSimple>",
+                       EstimateElement(4, "ParmLevel", {}, {"0.1 0.05"}),
+                       "\t\t\t</ESSimple>", "\t\t</ElapsedTimeSubmodel>",
+                       "\t\t<AbsoluteErrorSubmodel>", "\t\t\t<ESSimple>",
+                       EstimateElement(4, "ParmLevel", {}, {"0.3 0.05"}),
+                       "\t\t\t\t<StateLevel>4</StateLevel>",
+                       "\t\t\t</ESSimple>", "\t\t</AbsoluteErrorSubmodel>"}) +
+                kBasicInfo + Lines({"\t</CrostonModel>", "</TSCXML>"}));
 }
 
 TEST(CrostonTreeTest, RefusedReferencesAndEmptyHandles) {

@@ -1,5 +1,3 @@
-#include "tree/tsxml_tree.h"
-
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -7,54 +5,40 @@
 #include "modelapi/forecast_model.h"
 #include "support/model_fixtures.h"
 #include "tree/model_xml_tree_maker.h"
+#include "tree/tsxml_tree.h"
 #include "tree/tsxml_tree_imp.h"
+#include "tree_test_util.h"
 
 namespace {
 
 using testing_support::BasicInfo;
+using testing_support::EstimateElement;
 using testing_support::Lines;
 using testing_support::MakeESModel;
 using testing_support::MakeSimpleModel;
+using tree_testing::kBasicInfo;
+using tree_testing::kDeclaration;
+using tree_testing::kDocumentStart;
+using tree_testing::kRootStart;
+using tree_testing::Write;
 
 constexpr double kMissing = MV::gMissingValue;
-
-const std::string kDeclaration = "<?xml version=\"1.0\" encoding=\"UTF-8\" ?>";
-const std::string kRootStart = Lines(
-    {"<TSCXML",
-     "\txmlns=\"http://www.tsxml.example/software/analytics/corvane/xml/"
-     "components/time-series\"",
-     "\txmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\"",
-     "\txsi:schemaLocation=\"http://www.tsxml.example/software/analytics/"
-     "corvane/xml/components/time-series www.tsxml.example/software/"
-     "analytics/corvane/xml/components/time-series-1.0.xsd\">"});
-
-std::string Write(TSXMLTree& tree) {
-  std::ostringstream out;
-  EXPECT_TRUE(tree.WriteToStream(out));
-  return out.str();
-}
 
 // The element of MakeSimpleModel() with the references ("S", "", "y") at
 // one tab.
 const std::string kSimpleElement =
-    Lines({"\t<ExpSmoothingModel", "\t\tmodelName=\"S\"", "\t\tvariableID=\"y\">",
-           "\t\t<ESSimple>", "\t\t\t<ParmLevel>",
-           "\t\t\t\t<EstimatedParameter>0.25 0.05</EstimatedParameter>",
-           "\t\t\t</ParmLevel>", "\t\t\t<StateLevel>10.5</StateLevel>",
-           "\t\t</ESSimple>", "\t\t<EstimationInfo",
-           "\t\t\tperiodStartIndex=\"0\"", "\t\t\tperiodLength=\"24\"",
-           "\t\t\tdegreesOfFreedom=\"23\">", "\t\t\t<Statistic",
-           "\t\t\t\ttype=\"errVariance\">2.5</Statistic>",
-           "\t\t</EstimationInfo>", "\t</ExpSmoothingModel>"});
+    Lines({"\t<ExpSmoothingModel", "\t\tmodelName=\"S\"",
+           "\t\tvariableID=\"y\">", "\t\t<ESSimple>",
+           EstimateElement(3, "ParmLevel", {}, {"0.25 0.05"}),
+           "\t\t\t<StateLevel>10.5</StateLevel>", "\t\t</ESSimple>"}) +
+    kBasicInfo + "\n\t</ExpSmoothingModel>";
 
 TEST(NativeDocumentTest, SimpleModelWholeDocument) {
   TSXMLTree tree;
-  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(),
-                                TSXDictionaryRefs("S", "", "y")));
+  ASSERT_TRUE(
+      tree.AddModelTree(MakeSimpleModel(), TSXDictionaryRefs("S", "", "y")));
   EXPECT_EQ(tree.GetModelCount(), 1);
-  EXPECT_EQ(Write(tree), kDeclaration + kRootStart +
-                             "\n\t<Header/>\n\t<DataDictionary/>" +
-                             kSimpleElement + "\n</TSCXML>");
+  EXPECT_EQ(Write(tree), kDocumentStart + kSimpleElement + "\n</TSCXML>");
   EXPECT_EQ(tree.GetModelCount(), 0);
 }
 
@@ -82,20 +66,18 @@ TEST(NativeDocumentTest, SeasonalModelWithStatisticsWholeDocument) {
                  "\t\tmodelName=\"Sales\"",
                  "\t\tmodelDescriptor=\"Quarterly &amp; &quot;net&quot;\"",
                  "\t\tvariableID=\"sales\">", "\t\t<Transformation",
-                 "\t\t\tfunction=\"logarithm\"/>",
-                 "\t\t<ESMultiplicativeWinters", "\t\t\tseasonLength=\"4\">",
-                 "\t\t\t<ParmLevel>",
-                 "\t\t\t\t<EstimatedParameter>0.75 0.125</EstimatedParameter>",
-                 "\t\t\t</ParmLevel>", "\t\t\t<ParmTrend>",
-                 "\t\t\t\t<EstimatedParameter>0.001 0.0005</EstimatedParameter>",
-                 "\t\t\t</ParmTrend>", "\t\t\t<ParmSeason>",
-                 "\t\t\t\t<EstimatedParameter>0.5 0.25</EstimatedParameter>",
-                 "\t\t\t</ParmSeason>", "\t\t\t<StateLevel>4.5</StateLevel>",
+                 "\t\t\tfunction=\"logarithm\"/>"}) +
+          Lines({"\t\t<ESMultiplicativeWinters", "\t\t\tseasonLength=\"4\">",
+                 EstimateElement(3, "ParmLevel", {}, {"0.75 0.125"}),
+                 EstimateElement(3, "ParmTrend", {}, {"0.001 0.0005"}),
+                 EstimateElement(3, "ParmSeason", {}, {"0.5 0.25"}),
+                 "\t\t\t<StateLevel>4.5</StateLevel>",
                  "\t\t\t<StateTrend>0.0125</StateTrend>", "\t\t\t<StateSeason",
                  "\t\t\t\tphase=\"3\">0.9 1.1 1.05 0.95</StateSeason>",
-                 "\t\t</ESMultiplicativeWinters>", "\t\t<EstimationInfo",
-                 "\t\t\tperiodStartIndex=\"2\"", "\t\t\tperiodLength=\"20\"",
-                 "\t\t\tdegreesOfFreedom=\"17\">", "\t\t\t<Statistic",
+                 "\t\t</ESMultiplicativeWinters>"}) +
+          Lines({"\t\t<EstimationInfo", "\t\t\tperiodStartIndex=\"2\"",
+                 "\t\t\tperiodLength=\"20\"", "\t\t\tdegreesOfFreedom=\"17\">",
+                 "\t\t\t<Statistic",
                  "\t\t\t\ttype=\"errVariance\">0.004</Statistic>",
                  "\t\t\t<Statistic",
                  "\t\t\t\ttype=\"rootMeanSqrErr\">1.25</Statistic>",
@@ -125,8 +107,8 @@ TEST(NativeDocumentTest, HeaderFollowsTheApplicationStrings) {
   for (const Case& c : cases) {
     TSXMLTree tree;
     tree.SetApplication(c.name, c.version, "copyright");
-    ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(),
-                                  TSXDictionaryRefs("S", "", "y")));
+    ASSERT_TRUE(
+        tree.AddModelTree(MakeSimpleModel(), TSXDictionaryRefs("S", "", "y")));
     EXPECT_EQ(Write(tree), kDeclaration + kRootStart + c.header +
                                "\n\t<DataDictionary/>" + kSimpleElement +
                                "\n</TSCXML>")
@@ -143,25 +125,25 @@ TEST(NativeDocumentTest, EmptyTreeWritesNothing) {
 
 TEST(NativeDocumentTest, CompleteWriteEmptiesTheTreeForReuse) {
   TSXMLTree tree;
-  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(),
-                                TSXDictionaryRefs("S", "", "y")));
+  ASSERT_TRUE(
+      tree.AddModelTree(MakeSimpleModel(), TSXDictionaryRefs("S", "", "y")));
   const std::string first = Write(tree);
   std::ostringstream second;
   EXPECT_FALSE(tree.WriteToStream(second));
   EXPECT_EQ(second.str(), "");
   // Reused, the tree writes a new document of what was added since.
-  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(),
-                                TSXDictionaryRefs("S", "", "y")));
+  ASSERT_TRUE(
+      tree.AddModelTree(MakeSimpleModel(), TSXDictionaryRefs("S", "", "y")));
   EXPECT_EQ(Write(tree), first);
 }
 
 TEST(NativeDocumentTest, BareElementsWhenNotComplete) {
   TSXMLTreeImp* imp = new TSXMLTreeImp;
   TSXMLTree tree(imp);
-  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(),
-                                TSXDictionaryRefs("S", "", "y")));
-  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(),
-                                TSXDictionaryRefs("S", "", "y")));
+  ASSERT_TRUE(
+      tree.AddModelTree(MakeSimpleModel(), TSXDictionaryRefs("S", "", "y")));
+  ASSERT_TRUE(
+      tree.AddModelTree(MakeSimpleModel(), TSXDictionaryRefs("S", "", "y")));
   std::ostringstream out;
   EXPECT_TRUE(imp->WriteToStream(out, false));
   // The elements at level 0, one behind the other.
@@ -175,8 +157,7 @@ TEST(NativeDocumentTest, BareElementsWhenNotComplete) {
   EXPECT_FALSE(imp->WriteToStream(out, false));
 }
 
-TEST(CheckDictRefsTest, RefusedReferencesLeaveTheTreeUnchanged) {
-  ESModelSpec spec(ESModelSpec::ESSimple);
+TEST(CheckDictRefsTest, RefusedModelsLeaveTheTreeUnchanged) {
   TSXDictionaryRefs withDateSpec("S", "", "y");
   withDateSpec.SetDateSpecID(1);
   const TSXDictionaryRefs refused[] = {
@@ -188,30 +169,19 @@ TEST(CheckDictRefsTest, RefusedReferencesLeaveTheTreeUnchanged) {
       withDateSpec,
   };
   TSXMLTree tree;
-  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(),
-                                TSXDictionaryRefs("S", "", "y")));
+  ASSERT_TRUE(
+      tree.AddModelTree(MakeSimpleModel(), TSXDictionaryRefs("S", "", "y")));
   for (const TSXDictionaryRefs& refs : refused) {
     EXPECT_FALSE(tree.AddModelTree(MakeSimpleModel(), refs));
   }
-  EXPECT_EQ(tree.GetModelCount(), 1);
-  EXPECT_EQ(Write(tree), kDeclaration + kRootStart +
-                             "\n\t<Header/>\n\t<DataDictionary/>" +
-                             kSimpleElement + "\n</TSCXML>");
-}
-
-TEST(CheckDictRefsTest, EmptyModelHandleIsRefused) {
-  TSXMLTree tree;
+  // An empty handle, and a model its element can't be made of.
   EXPECT_FALSE(tree.AddModelTree(TSFModel(), TSXDictionaryRefs("S", "", "y")));
-  EXPECT_EQ(tree.GetModelCount(), 0);
-}
-
-TEST(CheckDictRefsTest, UnwritableModelIsRefused) {
-  TSXMLTree tree;
-  EXPECT_FALSE(tree.AddModelTree(
-      MakeESModel(ESModelSpec(ESModelSpec::ESSimple), {0.2}, {},
-                  WIESSmState(kMissing, 0)),
-      TSXDictionaryRefs("S", "", "y")));
-  EXPECT_EQ(tree.GetModelCount(), 0);
+  EXPECT_FALSE(
+      tree.AddModelTree(MakeESModel(ESModelSpec(ESModelSpec::ESSimple), {0.2},
+                                    {}, WIESSmState(kMissing, 0)),
+                        TSXDictionaryRefs("S", "", "y")));
+  EXPECT_EQ(tree.GetModelCount(), 1);
+  EXPECT_EQ(Write(tree), kDocumentStart + kSimpleElement + "\n</TSCXML>");
 }
 
 TEST(TreeHandleTest, NullHandleAnswersFalseAndZero) {
@@ -220,8 +190,8 @@ TEST(TreeHandleTest, NullHandleAnswersFalseAndZero) {
   copy = tree;
   tree.SetApplication("a", "b", "c");
   tree.SetPMMLOutput(true);
-  EXPECT_FALSE(tree.AddModelTree(MakeSimpleModel(),
-                                 TSXDictionaryRefs("S", "", "y")));
+  EXPECT_FALSE(
+      tree.AddModelTree(MakeSimpleModel(), TSXDictionaryRefs("S", "", "y")));
   EXPECT_EQ(tree.GetModelCount(), 0);
   std::ostringstream out;
   EXPECT_FALSE(copy.WriteToStream(out));
@@ -235,8 +205,8 @@ TEST(TreeHandleTest, CopiesShareOneTree) {
   assigned = copy;
   const TSXMLTree& self = assigned;
   assigned = self;
-  ASSERT_TRUE(copy.AddModelTree(MakeSimpleModel(),
-                                TSXDictionaryRefs("S", "", "y")));
+  ASSERT_TRUE(
+      copy.AddModelTree(MakeSimpleModel(), TSXDictionaryRefs("S", "", "y")));
   EXPECT_EQ(tree.GetModelCount(), 1);
   EXPECT_EQ(assigned.GetModelCount(), 1);
 }
@@ -249,8 +219,8 @@ TEST(TreeModeTest, ModelsOfOneModeAreNotWrittenInAnother) {
   EXPECT_TRUE(tree.AddModelTree(MakeSimpleModel(), TSXDictionaryRefs()));
   EXPECT_EQ(tree.GetModelCount(), 0);
   tree.SetPMMLOutput(false);
-  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(),
-                                TSXDictionaryRefs("S", "", "y")));
+  ASSERT_TRUE(
+      tree.AddModelTree(MakeSimpleModel(), TSXDictionaryRefs("S", "", "y")));
   tree.SetPMMLOutput(true);
   std::ostringstream pmml;
   EXPECT_TRUE(tree.WriteToStream(pmml));
@@ -271,20 +241,6 @@ TEST(ModelXMLTreeMakerTest, ReleaseTreeGivesTheElementOnce) {
   std::unique_ptr<OstraTimeXML::XMLElement> element(maker.ReleaseTree());
   EXPECT_NE(element, nullptr);
   EXPECT_EQ(maker.ReleaseTree(), nullptr);
-}
-
-TEST(DictionaryRefsTest, CopiesKeepTheDateSpecIdentifier) {
-  TSXDictionaryRefs refs("a", "b", "c", {"x", "y"});
-  refs.SetDateSpecID(4);
-  TSXDictionaryRefs copy(refs);
-  EXPECT_EQ(copy.GetDateSpecID(), 4);
-  EXPECT_EQ(copy.GetPredictorIDs(), (std::vector<std::string>{"x", "y"}));
-  const TSXDictionaryRefs& self = copy;
-  copy = self;
-  EXPECT_EQ(copy.GetModelName(), "a");
-  TSXDictionaryRefs fresh(copy.GetModelName(), copy.GetModelDescriptor(),
-                          copy.GetDependentVarID());
-  EXPECT_EQ(fresh.GetDateSpecID(), 0);
 }
 
 }  // namespace
