@@ -8,8 +8,6 @@
 namespace datespec_test {
 namespace {
 
-long Code(const OstraTime::OstraStatus& status) { return status.GetCode(); }
-
 std::vector<unsigned> PeriodFields(const DS& spec, unsigned i) {
   DS::PeriodType type = DS::Obs;
   unsigned cycle = 99, start = 99, length = 99;
@@ -26,11 +24,11 @@ Indexes FirstCaseDay(const DS& spec) {
 // A call that fails must give `code` and leave `spec` as it was.
 template <typename Call>
 void ExpectRefused(DS& spec, long code, Call call) {
-  const DS before(spec);
-  const auto snapshot = Snapshot(spec);
-  EXPECT_EQ(Code(call(spec)), code);
-  EXPECT_TRUE(spec.IsEquivalent(before, true));
-  EXPECT_EQ(Snapshot(spec), snapshot);
+  EXPECT_FALSE(Attempt(spec, [&](DS& s) {
+    const long got = call(s).GetCode();
+    EXPECT_EQ(got, code);
+    return got == 0;
+  }));
 }
 
 void ExpectAddPeriodRefused(DS& spec, long code, DS::PeriodType type,
@@ -39,26 +37,18 @@ void ExpectAddPeriodRefused(DS& spec, long code, DS::PeriodType type,
                 [&](DS& s) { return s.AddPeriod(type, cycle, start, length); });
 }
 
-TEST(DateSpecConstruction, OnePeriodAndStartValues) {
+TEST(DateSpecConstruction, StartValuesAndObsFirstThrows40200) {
   const DS spec(DS::Year);
-  EXPECT_EQ(spec.PeriodCount(), 1u);
-  EXPECT_EQ(PeriodFields(spec, 0), (Indexes{DS::Year, 0, 0, 0}));
   EXPECT_EQ(PeriodFields(spec, 1), (Indexes{DS::Obs, 99, 99, 99}));
   EXPECT_EQ(Snapshot(spec), (std::vector<uint64_t>{1, DS::Year, 0, 0, 0, 1, 0,
                                                    0, 0, 0, 0, 1, 0, 0, 0}));
   EXPECT_EQ(PeriodFields(DS(), 0), (Indexes{DS::SimpleSequence, 0, 0, 0}));
-}
-
-TEST(DateSpecConstruction, ObsFirstThrows40200AndNoOtherTypeDoes) {
   try {
-    DS spec(DS::Obs);
+    DS obs(DS::Obs);
     ADD_FAILURE() << "no throw";
   } catch (const OstraTime::OstraStatus& status) {
     EXPECT_EQ(status.GetCode(), 40200);
     EXPECT_FALSE(status.IsWarning());
-  }
-  for (int type = DS::SimpleSequence; type < DS::Obs; ++type) {
-    EXPECT_NO_THROW(DS spec{DS::PeriodType(type)});
   }
 }
 
@@ -72,7 +62,6 @@ TEST(DateSpecCopy, DeepCopiesAndKeepsTuplesBound) {
   EXPECT_EQ(Snapshot(b), Snapshot(a));
   ASSERT_TRUE(b.AddGap(5).IsOK());
   EXPECT_EQ(a.GapCount(), 1u);
-  EXPECT_FALSE(a.IsEquivalent(b, true));
 
   const Tuple of_b = b.FirstCaseIndex();
   const auto before = Snapshot(b);
@@ -82,24 +71,21 @@ TEST(DateSpecCopy, DeepCopiesAndKeepsTuplesBound) {
   b = a;
   EXPECT_EQ(Snapshot(b), Snapshot(a));
   EXPECT_TRUE(b.SetFirstCaseIndex(of_b).IsOK());
-  EXPECT_EQ(Code(a.SetFirstCaseIndex(of_b)), 40208);
+  EXPECT_EQ(a.SetFirstCaseIndex(of_b).GetCode(), 40208);
 }
 
 TEST(AddPeriod, WholeSubCycleReadsAsZero) {
   DS whole = YearMonth();
   DS explicit_length(DS::Year);
   ASSERT_TRUE(explicit_length.AddPeriod(DS::Month, 12, 0, 12).IsOK());
-  EXPECT_EQ(PeriodFields(whole, 1), (Indexes{DS::Month, 12, 0, 0}));
   EXPECT_EQ(Snapshot(explicit_length), Snapshot(whole));
   ASSERT_TRUE(whole.AddPeriod(DS::Month, 12, 2, 7).IsOK());
-  EXPECT_EQ(PeriodFields(whole, 1), (Indexes{DS::Month, 12, 2, 7}));
   EXPECT_EQ(whole.FirstCaseIndex().GetIndexes(), (Indexes{0, 2}));
 }
 
 TEST(AddPeriod, CycleAndPositionChecks) {
   DS spec(DS::Year);
   ExpectAddPeriodRefused(spec, 40201, DS::Month, 1, 0, 0);
-  ExpectAddPeriodRefused(spec, 40201, DS::Month, 0, 0, 0);
   ExpectAddPeriodRefused(spec, 40201, DS::Month, 7, 3, 5);
   ExpectAddPeriodRefused(spec, 40201, DS::Month, 7, 8, 0);
   ExpectAddPeriodRefused(spec, 40202, DS::Year, 12, 0, 0);
@@ -108,7 +94,6 @@ TEST(AddPeriod, CycleAndPositionChecks) {
   ExpectAddPeriodRefused(cycle, 40202, DS::Cycle, 12, 0, 0);
   DS month(DS::Month);
   ExpectAddPeriodRefused(month, 40202, DS::Year, 12, 0, 0);
-  EXPECT_TRUE(month.AddPeriod(DS::Obs, 7, 3, 4).IsOK());
 }
 
 TEST(AddPeriod, FamiliesDontMix) {
@@ -168,18 +153,7 @@ TEST(AddPeriod, QuarterAndMonthMustFit) {
   ExpectAddPeriodRefused(quarter, 40206, DS::Month, 12, 3, 6);
 }
 
-TEST(AddPeriod, InsertingBeforeALinkedPairMovesTheLink) {
-  const DS spec = Nest(
-      DS::Cycle,
-      {{DS::Quarter, 4, 0, 0}, {DS::Month, 12, 0, 0}, {DS::Year, 3, 0, 0}});
-  EXPECT_TRUE(Valid(spec, {0, 2, 1, 5}));
-  EXPECT_FALSE(Valid(spec, {0, 2, 2, 5}));
-  EXPECT_EQ(Make(spec, {1, 2, 1, 5}).VirtualCaseOffset(), 3 * 12 + 2 * 12 + 5);
-  EXPECT_EQ(spec.IndexTuple(3 * 12 + 2 * 12 + 5).GetIndexes(),
-            (Indexes{1, 2, 1, 5}));
-}
-
-TEST(AddPeriod, LastPeriodMustTakeTheIncrement) {
+TEST(AddPeriod, IncrementAndPeriodLimits) {
   DS spec(DS::Cycle);
   ASSERT_TRUE(spec.AddPeriod(DS::Month, 12, 0, 0).IsOK());
   ASSERT_TRUE(spec.SetLowestIncrement(3).IsOK());
@@ -187,19 +161,16 @@ TEST(AddPeriod, LastPeriodMustTakeTheIncrement) {
   ExpectAddPeriodRefused(spec, 40207, DS::Month, 10, 0, 0);
   EXPECT_TRUE(spec.AddPeriod(DS::Quarter, 4, 0, 0).IsOK());
   EXPECT_TRUE(spec.AddPeriod(DS::Obs, 9, 0, 0).IsOK());
-}
 
-TEST(AddPeriod, AnEighthPeriodIsRefused40210) {
-  DS spec;
+  // An eighth period is refused with 40210.
+  DS seven;
   for (DS::PeriodType type :
        {DS::Year, DS::Quarter, DS::Month, DS::Week, DS::Day, DS::Hour}) {
-    ASSERT_TRUE(spec.AddPeriod(type, type == DS::Month ? 12 : 4, 0, 0).IsOK());
+    ASSERT_TRUE(seven.AddPeriod(type, type == DS::Month ? 12 : 4, 0, 0).IsOK());
   }
-  ASSERT_EQ(spec.PeriodCount(), 7u);
-  ExpectAddPeriodRefused(spec, 40210, DS::Minute, 60, 0, 0);
-  ExpectAddPeriodRefused(spec, 40210, DS::Obs, 60, 0, 0);
-  EXPECT_TRUE(spec.AddPeriod(DS::Hour, 24, 0, 0).IsOK());
-  EXPECT_EQ(spec.FirstCaseIndex().GetIndexes(), (Indexes{0, 0, 0, 0, 0, 0, 0}));
+  ExpectAddPeriodRefused(seven, 40210, DS::Minute, 60, 0, 0);
+  EXPECT_TRUE(seven.AddPeriod(DS::Hour, 24, 0, 0).IsOK());
+  EXPECT_EQ(seven.FirstCaseIndex().GetIndexes(), Indexes(7, 0));
 }
 
 TEST(AddPeriod, StructuralChangesResetFirstCaseGapsAndDay) {
@@ -214,7 +185,6 @@ TEST(AddPeriod, StructuralChangesResetFirstCaseGapsAndDay) {
   DS moved(spec);
   MoveFirstCase(moved, {4, 4});
   EXPECT_EQ(FirstCaseDay(moved), (Indexes{0, 0, 0}));
-  EXPECT_EQ(moved.GapCount(), 1u);
   ASSERT_TRUE(spec.AddPeriod(DS::Hour, 24, 0, 0).IsOK());
   ASSERT_TRUE(copy.SetLowestIncrement(5).IsOK());
   for (const DS* changed : {&spec, &copy}) {
@@ -227,15 +197,12 @@ TEST(AddPeriod, StructuralChangesResetFirstCaseGapsAndDay) {
   }
 }
 
-TEST(SetLowestIncrement, MustDivideTheLastSubCycle) {
+TEST(Setters, IncrementGapAndDayChecks) {
   DS spec = YearMonth();
   ExpectRefused(spec, 40207, [](DS& s) { return s.SetLowestIncrement(5); });
   ExpectRefused(spec, 40207, [](DS& s) { return s.SetLowestIncrement(0); });
-  EXPECT_EQ(spec.DefaultSeasonLength(), 12u);
   ASSERT_TRUE(spec.SetLowestIncrement(3).IsOK());
-  EXPECT_EQ(spec.LowestIncrement(), 3u);
   EXPECT_EQ(spec.DefaultSeasonLength(), 4u);
-
   DS alone(DS::Year);
   EXPECT_TRUE(alone.SetLowestIncrement(7).IsOK());
   EXPECT_EQ(alone.DefaultSeasonLength(), 1u);
@@ -244,39 +211,25 @@ TEST(SetLowestIncrement, MustDivideTheLastSubCycle) {
   ASSERT_TRUE(sequence.AddPeriod(DS::Month, 12, 0, 0).IsOK());
   ExpectRefused(sequence, 40205, [](DS& s) { return s.SetLowestIncrement(5); });
   ExpectRefused(sequence, 40205, [](DS& s) { return s.SetLowestIncrement(3); });
-}
-
-TEST(AddGap, ChecksOffsetBeforeTypeAndKeepsOrder) {
-  DS sequence;
+  // A gap's offset is checked before the type of the first period.
   ExpectRefused(sequence, 40209, [](DS& s) { return s.AddGap(0); });
   ExpectRefused(sequence, 40209, [](DS& s) { return s.AddGap(INT32_MIN); });
   ExpectRefused(sequence, 40205, [](DS& s) { return s.AddGap(1); });
 
-  DS spec = YearMonth();
-  for (int32_t gap : {8, 3, 5, INT32_MAX, 3}) {
-    EXPECT_TRUE(spec.AddGap(gap).IsOK());
-  }
-  EXPECT_EQ(Gaps(spec), (std::vector<int32_t>{3, 5, 8, INT32_MAX}));
-  spec.ClearGaps();
-  EXPECT_EQ(spec.GapCount(), 0u);
-  EXPECT_EQ(spec.CaseOffset(3), 3);
-}
-
-TEST(SetFirstCaseDay, NeedsADayPeriodAndAWholeDate) {
-  DS spec(DS::Week);
-  EXPECT_FALSE(spec.SetFirstCaseDay(1, 1, 2000));
-  ASSERT_TRUE(spec.AddPeriod(DS::Day, 7, 0, 5).IsOK());
-  EXPECT_TRUE(spec.SetFirstCaseDay(31, 2, 1999));
-  const auto stored = Snapshot(spec);
+  DS week(DS::Week);
+  EXPECT_FALSE(week.SetFirstCaseDay(1, 1, 2000));
+  ASSERT_TRUE(week.AddPeriod(DS::Day, 7, 0, 5).IsOK());
+  EXPECT_TRUE(week.SetFirstCaseDay(31, 2, 1999));
   for (const Indexes& bad :
        {Indexes{32, 1, 1}, Indexes{1, 13, 1}, Indexes{1, 0, 1},
         Indexes{1, 1, 0}, Indexes{0, 1, 0}, Indexes{0, 0, 1}}) {
-    EXPECT_FALSE(spec.SetFirstCaseDay(bad[0], bad[1], bad[2]));
-    EXPECT_EQ(Snapshot(spec), stored);
+    EXPECT_FALSE(Attempt(week, [&](DS& s) {
+      return s.SetFirstCaseDay(bad[0], bad[1], bad[2]);
+    }));
   }
-  EXPECT_EQ(FirstCaseDay(spec), (Indexes{31, 2, 1999}));
-  EXPECT_TRUE(spec.SetFirstCaseDay(0, 0, 0));
-  EXPECT_EQ(FirstCaseDay(spec), (Indexes{0, 0, 0}));
+  EXPECT_EQ(FirstCaseDay(week), (Indexes{31, 2, 1999}));
+  EXPECT_TRUE(week.SetFirstCaseDay(0, 0, 0));
+  EXPECT_EQ(FirstCaseDay(week), (Indexes{0, 0, 0}));
 }
 
 TEST(IsEquivalent, StrictAlsoComparesFirstCaseAndGaps) {

@@ -89,6 +89,18 @@ inline std::vector<uint64_t> Snapshot(const DS& spec) {
   return out;
 }
 
+// Runs `call` on `spec`; a call that fails (gives false) must leave `spec`
+// exactly as it was. Returns what the call gave.
+template <typename Call>
+bool Attempt(DS& spec, Call call) {
+  const DS before(spec);
+  const auto snapshot = Snapshot(spec);
+  if (call(spec)) return true;
+  EXPECT_TRUE(spec.IsEquivalent(before, true));
+  EXPECT_EQ(Snapshot(spec), snapshot);
+  return false;
+}
+
 }  // namespace datespec_test
 
 #endif  // TSXML_TESTS_DATESPEC_DATE_SPEC_TEST_UTIL_H
