@@ -1,5 +1,6 @@
 // Generated streams written to a file and read back with the same calls, under
 // the "C" locale and a decimal-comma locale; and two streams read at once.
+#include <cfloat>
 #include <clocale>
 #include <cmath>
 #include <cstdint>
@@ -94,17 +95,12 @@ class Generator {
   }
 
   double AnyDouble() {
-    const double specials[] = {0.0,
-                               -0.0,
-                               MV::gMissingValue,
-                               std::nextafter(MV::gMissingValue, 0.0),
-                               std::numeric_limits<double>::max(),
-                               std::numeric_limits<double>::min(),
-                               std::numeric_limits<double>::denorm_min(),
-                               -std::numeric_limits<double>::denorm_min(),
-                               1e15,
-                               1e-5,
-                               1.0 / 3};
+    const double missing = MV::gMissingValue;
+    const double below_missing = std::nextafter(missing, 0.0);
+    const double tiny = std::numeric_limits<double>::denorm_min();
+    const double specials[] = {0.0,     -0.0,    missing, below_missing,
+                               DBL_MAX, DBL_MIN, tiny,    -tiny,
+                               1e15,    1e-5,    1.0 / 3};
     switch (Below(3)) {
       case 0:
         return specials[Below(11)];
@@ -116,8 +112,10 @@ class Generator {
         } while (!std::isfinite(value));
         return value;
       }
-      default:  // a short decimal of some magnitude
-        return (Below(2001) - 1000) * std::pow(10.0, Below(41) - 20);
+      default: {  // a short decimal of some magnitude
+        const int digits = Below(2001) - 1000;
+        return digits * std::pow(10.0, Below(41) - 20);
+      }
     }
   }
 
