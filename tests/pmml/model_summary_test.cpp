@@ -1,12 +1,12 @@
-// The record of the model added last: statistics by key, one row per
-// smoothing parameter, and what a later Fill keeps.
+// The record of the model added last: statistics by key, t statistics and
+// what a later Fill keeps. Which estimate each row reads shows in the texts
+// of es_model_test.cpp.
 #include "pmml/model_summary.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <utility>
-#include <valarray>
 #include <vector>
 
 #include "modelapi/forecast_model.h"
@@ -90,36 +90,6 @@ TEST(ModelSummaryTest, FillReadsEveryStatisticByItsKeyAndLaterFillsReplace) {
                TSXDictionaryRefs(), {});
   EXPECT_TRUE(summary.esParameterKinds.empty());
   EXPECT_TRUE(summary.esParameterRows.empty());
-}
-
-TEST(ModelSummaryTest, RowsFollowTheKindsOfEachModelType) {
-  const std::vector<int32_t> kinds[] = {{0, 1, 2}, {0},    {0, 1, 3}, {0, 1},
-                                        {0, 1, 2}, {0, 2}, {0}};
-  for (int type = 0; type < 7; ++type) {
-    // Estimates 0.1, 0.2, ... and standard errors 0.01, 0.02, ... in
-    // parameter order, so that each row shows which position it read.
-    const ESModelSpec spec(type, 4);
-    const unsigned count = spec.GetParameterCount(true);
-    std::valarray<double> estimates(count), errors(count);
-    for (unsigned i = 0; i < count; ++i) {
-      estimates[i] = 0.1 * (i + 1);
-      errors[i] = 0.01 * (i + 1);
-    }
-    TSXModelSummary summary;
-    summary.Fill(MakeESModel(spec, estimates, errors,
-                             WIESSmState(1, 1, 0, {1, 2, 3, 4})),
-                 TSXDictionaryRefs(), {});
-    ASSERT_EQ(summary.esParameterKinds, kinds[type]) << type;
-    ASSERT_EQ(summary.esParameterRows.size(), kinds[type].size());
-    for (size_t i = 0; i < kinds[type].size(); ++i) {
-      const int position = spec.GetESParameterIndex(kinds[type][i]);
-      const std::vector<double>& row = summary.esParameterRows[i];
-      ASSERT_EQ(row.size(), 4u);
-      EXPECT_EQ(row[TSXModelSummary::kEstimate], estimates[position]);
-      EXPECT_EQ(row[TSXModelSummary::kStdError], errors[position]);
-      EXPECT_DOUBLE_EQ(row[TSXModelSummary::kTStatistic], 10.0);
-    }
-  }
 }
 
 TEST(ModelSummaryTest, TStatisticAndSignificance) {
