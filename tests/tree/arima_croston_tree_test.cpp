@@ -1,6 +1,7 @@
 // ARIMA and Croston models through the document tree.
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -15,15 +16,14 @@ namespace {
 
 using testing_support::BasicInfo;
 using testing_support::EstimateElement;
-using testing_support::LagTerm;
 using testing_support::Lines;
 using testing_support::MakeCrostonModel;
 using testing_support::MakeFullARIMAModel;
 using testing_support::MakeSimpleModel;
 using testing_support::MakeSubmodelState;
-using testing_support::OutlierEffect;
 using tree_testing::kBasicInfo;
 using tree_testing::kDocumentStart;
+using tree_testing::kRefs;
 using tree_testing::Write;
 
 // The names of the elements at `depth` tabs, in document order.
@@ -41,50 +41,7 @@ std::vector<std::string> NamesAtDepth(const std::string& text, size_t depth) {
 
 const TSXDictionaryRefs kARIMARefs("Sales", "", "sales", {"price"});
 
-TEST(ARIMATreeTest, WholeDocumentWithAnARIMAModel) {
-  TSXMLTree tree;
-  ASSERT_TRUE(
-      tree.AddModelTree(MakeFullARIMAModel<ARMAMLForecastState>(), kARIMARefs));
-  EXPECT_EQ(
-      Write(tree),
-      kDocumentStart +
-          Lines({"\t<ARIMAModel", "\t\tmodelName=\"Sales\"",
-                 "\t\tvariableID=\"sales\"", "\t\tseasonLength=\"12\">",
-                 "\t\t<Transformation", "\t\t\tfunction=\"logarithm\"",
-                 "\t\t\tnonSeasonalDiff=\"1\"", "\t\t\tseasonalDiff=\"1\"/>",
-                 EstimateElement(2, "ConstantTerm", {}, {"0.5 0.01"})}) +
-          Lines({"\t\t<Autoregression>", "\t\t\t<NonSeasonalFactor>",
-                 LagTerm(4, 1, "0.75 0.02"), LagTerm(4, 2, "1 0.03"),
-                 "\t\t\t</NonSeasonalFactor>", "\t\t\t<SeasonalFactor>",
-                 LagTerm(4, 1, "1.25 0.04"), "\t\t\t</SeasonalFactor>",
-                 "\t\t</Autoregression>", "\t\t<MovingAverage>",
-                 "\t\t\t<SeasonalFactor>", LagTerm(4, 1, "1.5 0.05"),
-                 "\t\t\t</SeasonalFactor>", "\t\t</MovingAverage>"}) +
-          Lines({"\t\t<PredictorEffect", "\t\t\tvariableID=\"price\">",
-                 "\t\t\t<Transformation", "\t\t\t\tnonSeasonalDiff=\"1\"",
-                 "\t\t\t\tdelay=\"1\"/>", "\t\t\t<Numerator>",
-                 "\t\t\t\t<NonSeasonalFactor>", LagTerm(5, 0, "1.75 0.06"),
-                 LagTerm(5, 1, "2 0.07"), "\t\t\t\t</NonSeasonalFactor>",
-                 "\t\t\t</Numerator>", "\t\t\t<Denominator>",
-                 "\t\t\t\t<NonSeasonalFactor>", LagTerm(5, 1, "2.25 0.08"),
-                 "\t\t\t\t</NonSeasonalFactor>", "\t\t\t</Denominator>",
-                 "\t\t</PredictorEffect>",
-                 OutlierEffect(2, "additive", 30, {"2.5 0.09"}),
-                 OutlierEffect(2, "transient", 41, {"2.75 0.1", "3 0.11"})}) +
-          Lines({"\t\t<ARIMAMLState", "\t\t\tperiodDeficit=\"2\">",
-                 "\t\t\t<PredictorState>",
-                 "\t\t\t\t<FinalPredictor>3 4</FinalPredictor>",
-                 "\t\t\t\t<FinalTransferFunc>0.5 0.75</FinalTransferFunc>",
-                 "\t\t\t</PredictorState>", "\t\t\t<ZState>",
-                 "\t\t\t\t<FinalZ>0.25 -0.5</FinalZ>",
-                 "\t\t\t\t<FinalPredictedZ>0.125 -0.25</FinalPredictedZ>",
-                 "\t\t\t</ZState>", "\t\t\t<KalmanState>",
-                 "\t\t\t\t<FinalOmega>1 0.5 2</FinalOmega>",
-                 "\t\t\t\t<FinalStateVector>0.25 0.125</FinalStateVector>",
-                 "\t\t\t</KalmanState>", "\t\t</ARIMAMLState>"}) +
-          kBasicInfo + Lines({"\t</ARIMAModel>", "</TSCXML>"}));
-}
-
+// The ARIMA element itself is checked whole in native/.
 TEST(ARIMATreeTest, EachStateClassAddsItsStateBeforeEstimationInfo) {
   const std::vector<std::string> structure = {
       "Transformation",  "ConstantTerm",  "Autoregression", "MovingAverage",
@@ -123,11 +80,9 @@ TEST(ARIMATreeTest, EachStateClassAddsItsStateBeforeEstimationInfo) {
 
 TEST(ARIMATreeTest, PredictorNameMismatchLeavesTheTreeUnchanged) {
   TSXMLTree tree;
-  ASSERT_TRUE(
-      tree.AddModelTree(MakeSimpleModel(), TSXDictionaryRefs("S", "", "y")));
+  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), kRefs));
   TSXMLTree reference;
-  ASSERT_TRUE(reference.AddModelTree(MakeSimpleModel(),
-                                     TSXDictionaryRefs("S", "", "y")));
+  ASSERT_TRUE(reference.AddModelTree(MakeSimpleModel(), kRefs));
   const TSFModel model = MakeFullARIMAModel<ARMACLSForecastState>();
   EXPECT_FALSE(tree.AddModelTree(model, TSXDictionaryRefs("A", "", "y")));
   EXPECT_FALSE(
@@ -185,19 +140,30 @@ TEST(CrostonTreeTest, RefusedReferencesAndEmptyHandles) {
   EXPECT_EQ(null.GetModelCount(), 0);
 }
 
-// A Croston model added in PMML mode stays for the native document.
-TEST(CrostonTreeTest, AddedWhateverTheModeInOrderWithOtherModels) {
+TEST(TreeModeTest, EachModeWritesItsOwnModels) {
   TSXMLTree tree;
-  ASSERT_TRUE(
-      tree.AddModelTree(MakeSimpleModel(), TSXDictionaryRefs("S", "", "y")));
+  tree.SetPMMLOutput(true);
+  // PMML mode takes the model without checking the references and without
+  // counting it.
+  EXPECT_TRUE(tree.AddModelTree(MakeSimpleModel(), TSXDictionaryRefs()));
+  EXPECT_EQ(tree.GetModelCount(), 0);
+  tree.SetPMMLOutput(false);
+  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), kRefs));
   ASSERT_TRUE(tree.AddModelTree(MakeFullARIMAModel<ARMACLSForecastState>(),
                                 kARIMARefs));
+  // A Croston model goes to the native document whatever the mode.
   tree.SetPMMLOutput(true);
   ASSERT_TRUE(tree.AddModelTree(MakeCrostonModel(), kCrostonRefs));
   EXPECT_EQ(tree.GetModelCount(), 3);
+  std::ostringstream pmml;
+  EXPECT_TRUE(tree.WriteToStream(pmml));
+  EXPECT_EQ(pmml.str().find("<ExpSmoothingModel"), std::string::npos);
+  EXPECT_EQ(tree.GetModelCount(), 3);
   tree.SetPMMLOutput(false);
+  const std::string native = Write(tree);
+  EXPECT_EQ(native.find("<TimeSeriesModel"), std::string::npos);
   EXPECT_EQ(
-      NamesAtDepth(Write(tree), 1),
+      NamesAtDepth(native, 1),
       (std::vector<std::string>{"Header", "DataDictionary", "ExpSmoothingModel",
                                 "ARIMAModel", "CrostonModel"}));
 }

@@ -19,6 +19,7 @@ using testing_support::MakeSimpleModel;
 using tree_testing::kBasicInfo;
 using tree_testing::kDeclaration;
 using tree_testing::kDocumentStart;
+using tree_testing::kRefs;
 using tree_testing::kRootStart;
 using tree_testing::Write;
 
@@ -33,13 +34,21 @@ const std::string kSimpleElement =
            "\t\t\t<StateLevel>10.5</StateLevel>", "\t\t</ESSimple>"}) +
     kBasicInfo + "\n\t</ExpSmoothingModel>";
 
-TEST(NativeDocumentTest, SimpleModelWholeDocument) {
+TEST(NativeDocumentTest, SimpleModelWholeDocumentEmptiesTheTree) {
   TSXMLTree tree;
-  ASSERT_TRUE(
-      tree.AddModelTree(MakeSimpleModel(), TSXDictionaryRefs("S", "", "y")));
+  std::ostringstream nothing;
+  EXPECT_FALSE(tree.WriteToStream(nothing));
+  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), kRefs));
   EXPECT_EQ(tree.GetModelCount(), 1);
-  EXPECT_EQ(Write(tree), kDocumentStart + kSimpleElement + "\n</TSCXML>");
+  const std::string document = Write(tree);
+  EXPECT_EQ(document, kDocumentStart + kSimpleElement + "\n</TSCXML>");
   EXPECT_EQ(tree.GetModelCount(), 0);
+  // A second write has nothing to write; reused, the tree writes a new
+  // document of what was added since.
+  EXPECT_FALSE(tree.WriteToStream(nothing));
+  EXPECT_EQ(nothing.str(), "");
+  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), kRefs));
+  EXPECT_EQ(Write(tree), document);
 }
 
 TEST(NativeDocumentTest, SeasonalModelWithStatisticsWholeDocument) {
@@ -107,8 +116,7 @@ TEST(NativeDocumentTest, HeaderFollowsTheApplicationStrings) {
   for (const Case& c : cases) {
     TSXMLTree tree;
     tree.SetApplication(c.name, c.version, "copyright");
-    ASSERT_TRUE(
-        tree.AddModelTree(MakeSimpleModel(), TSXDictionaryRefs("S", "", "y")));
+    ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), kRefs));
     EXPECT_EQ(Write(tree), kDeclaration + kRootStart + c.header +
                                "\n\t<DataDictionary/>" + kSimpleElement +
                                "\n</TSCXML>")
@@ -116,34 +124,11 @@ TEST(NativeDocumentTest, HeaderFollowsTheApplicationStrings) {
   }
 }
 
-TEST(NativeDocumentTest, EmptyTreeWritesNothing) {
-  TSXMLTree tree;
-  std::ostringstream out;
-  EXPECT_FALSE(tree.WriteToStream(out));
-  EXPECT_EQ(out.str(), "");
-}
-
-TEST(NativeDocumentTest, CompleteWriteEmptiesTheTreeForReuse) {
-  TSXMLTree tree;
-  ASSERT_TRUE(
-      tree.AddModelTree(MakeSimpleModel(), TSXDictionaryRefs("S", "", "y")));
-  const std::string first = Write(tree);
-  std::ostringstream second;
-  EXPECT_FALSE(tree.WriteToStream(second));
-  EXPECT_EQ(second.str(), "");
-  // Reused, the tree writes a new document of what was added since.
-  ASSERT_TRUE(
-      tree.AddModelTree(MakeSimpleModel(), TSXDictionaryRefs("S", "", "y")));
-  EXPECT_EQ(Write(tree), first);
-}
-
 TEST(NativeDocumentTest, BareElementsWhenNotComplete) {
   TSXMLTreeImp* imp = new TSXMLTreeImp;
   TSXMLTree tree(imp);
-  ASSERT_TRUE(
-      tree.AddModelTree(MakeSimpleModel(), TSXDictionaryRefs("S", "", "y")));
-  ASSERT_TRUE(
-      tree.AddModelTree(MakeSimpleModel(), TSXDictionaryRefs("S", "", "y")));
+  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), kRefs));
+  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), kRefs));
   std::ostringstream out;
   EXPECT_TRUE(imp->WriteToStream(out, false));
   // The elements at level 0, one behind the other.
@@ -169,74 +154,46 @@ TEST(CheckDictRefsTest, RefusedModelsLeaveTheTreeUnchanged) {
       withDateSpec,
   };
   TSXMLTree tree;
-  ASSERT_TRUE(
-      tree.AddModelTree(MakeSimpleModel(), TSXDictionaryRefs("S", "", "y")));
+  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), kRefs));
   for (const TSXDictionaryRefs& refs : refused) {
     EXPECT_FALSE(tree.AddModelTree(MakeSimpleModel(), refs));
   }
   // An empty handle, and a model its element can't be made of.
-  EXPECT_FALSE(tree.AddModelTree(TSFModel(), TSXDictionaryRefs("S", "", "y")));
+  EXPECT_FALSE(tree.AddModelTree(TSFModel(), kRefs));
   EXPECT_FALSE(
       tree.AddModelTree(MakeESModel(ESModelSpec(ESModelSpec::ESSimple), {0.2},
                                     {}, WIESSmState(kMissing, 0)),
-                        TSXDictionaryRefs("S", "", "y")));
+                        kRefs));
   EXPECT_EQ(tree.GetModelCount(), 1);
   EXPECT_EQ(Write(tree), kDocumentStart + kSimpleElement + "\n</TSCXML>");
 }
 
-TEST(TreeHandleTest, NullHandleAnswersFalseAndZero) {
-  TSXMLTree tree(nullptr);
-  TSXMLTree copy(tree);
-  copy = tree;
-  tree.SetApplication("a", "b", "c");
-  tree.SetPMMLOutput(true);
-  EXPECT_FALSE(
-      tree.AddModelTree(MakeSimpleModel(), TSXDictionaryRefs("S", "", "y")));
-  EXPECT_EQ(tree.GetModelCount(), 0);
-  std::ostringstream out;
-  EXPECT_FALSE(copy.WriteToStream(out));
-  EXPECT_EQ(out.str(), "");
-}
-
-TEST(TreeHandleTest, CopiesShareOneTree) {
+TEST(TreeHandleTest, CopiesShareOneTreeAndNullAnswersFalse) {
   TSXMLTree tree;
   TSXMLTree copy(tree);
   TSXMLTree assigned;
   assigned = copy;
   const TSXMLTree& self = assigned;
   assigned = self;
-  ASSERT_TRUE(
-      copy.AddModelTree(MakeSimpleModel(), TSXDictionaryRefs("S", "", "y")));
+  ASSERT_TRUE(copy.AddModelTree(MakeSimpleModel(), kRefs));
   EXPECT_EQ(tree.GetModelCount(), 1);
   EXPECT_EQ(assigned.GetModelCount(), 1);
-}
 
-TEST(TreeModeTest, ModelsOfOneModeAreNotWrittenInAnother) {
-  TSXMLTree tree;
-  tree.SetPMMLOutput(true);
-  // PMML mode takes the model without checking the references and without
-  // counting it.
-  EXPECT_TRUE(tree.AddModelTree(MakeSimpleModel(), TSXDictionaryRefs()));
-  EXPECT_EQ(tree.GetModelCount(), 0);
-  tree.SetPMMLOutput(false);
-  ASSERT_TRUE(
-      tree.AddModelTree(MakeSimpleModel(), TSXDictionaryRefs("S", "", "y")));
-  tree.SetPMMLOutput(true);
-  std::ostringstream pmml;
-  EXPECT_TRUE(tree.WriteToStream(pmml));
-  EXPECT_EQ(pmml.str().find("<ExpSmoothingModel"), std::string::npos);
-  EXPECT_EQ(tree.GetModelCount(), 1);
-  tree.SetPMMLOutput(false);
-  std::ostringstream native;
-  EXPECT_TRUE(tree.WriteToStream(native));
-  EXPECT_EQ(native.str().find("<TimeSeriesModel"), std::string::npos);
-  EXPECT_NE(native.str().find("<ExpSmoothingModel"), std::string::npos);
+  TSXMLTree null(nullptr);
+  TSXMLTree nullCopy(null);
+  nullCopy = null;
+  null.SetApplication("a", "b", "c");
+  null.SetPMMLOutput(true);
+  EXPECT_FALSE(null.AddModelTree(MakeSimpleModel(), kRefs));
+  EXPECT_EQ(null.GetModelCount(), 0);
+  std::ostringstream out;
+  EXPECT_FALSE(nullCopy.WriteToStream(out));
+  EXPECT_EQ(out.str(), "");
 }
 
 TEST(ModelXMLTreeMakerTest, ReleaseTreeGivesTheElementOnce) {
   TSFModel model = MakeSimpleModel();
-  TSXDictionaryRefs refs("S", "", "y");
-  ModelXMLTreeMaker maker(refs, model.GetImp()->GetEstimationInfo());
+  ModelXMLTreeMaker maker(kRefs, model.GetImp()->GetEstimationInfo());
   model.GetImp()->GetForecastState()->Accept(maker);
   std::unique_ptr<OstraTimeXML::XMLElement> element(maker.ReleaseTree());
   EXPECT_NE(element, nullptr);

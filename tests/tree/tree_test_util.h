@@ -33,6 +33,9 @@ inline const std::string kBasicInfo = testing_support::Lines(
      "\t\t\t<Statistic", "\t\t\t\ttype=\"errVariance\">2.5</Statistic>",
      "\t\t</EstimationInfo>"});
 
+// The references of the simple models.
+inline const TSXDictionaryRefs kRefs("S", "", "y");
+
 // The document `tree` writes, which it must.
 inline std::string Write(TSXMLTree& tree) {
   std::ostringstream out;
