@@ -13,8 +13,8 @@
 
 namespace {
 
-using testing_support::MonthlyDateSpec;
 using testing_support::MakeSimpleModel;
+using testing_support::MonthlyDateSpec;
 using tree_testing::Write;
 
 TSXDictionaryRefs RefsOn(int dateSpecID) {
