@@ -11,20 +11,6 @@ namespace {
 
 using OstraTimeXML::internal::LineTokenizer;
 
-TEST(LineTokenizer, SkipsLeadingDelimitersAndEndsTokensInPlace) {
-  char line[] = "\t\t<Int value=\"3\"/>";
-  LineTokenizer tokens(line);
-  EXPECT_STREQ(tokens.Next(" \t<=\""), "Int");
-  EXPECT_STREQ(tokens.Next("=\""), "value");
-  EXPECT_STREQ(tokens.Next(" \t<=\""), "3");
-  EXPECT_STREQ(tokens.Next(" \t<=\""), "/>");
-  EXPECT_EQ(tokens.Next(" "), nullptr);
-  EXPECT_EQ(tokens.Next(" "), nullptr);
-  // Each delimiter that ended a token is now NUL; skipped ones are kept.
-  EXPECT_EQ(std::string(line, sizeof line - 1),
-            std::string("\t\t<Int\0value\0\"3\0/>", 18));
-}
-
 // Over random lines and random delimiter sets, the tokenizer gives the tokens
 // of strtok at the same places and leaves the same bytes in the line.
 TEST(LineTokenizer, AgreesWithStrtok) {

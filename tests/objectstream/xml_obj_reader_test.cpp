@@ -11,7 +11,6 @@
 namespace {
 
 using objectstream_test::StreamFile;
-using objectstream_test::StreamHead;
 using OstraTimeXML::ParseEndObj;
 using OstraTimeXML::ParseStartObj;
 using OstraTimeXML::ParseStartXML;
@@ -25,12 +24,6 @@ std::pair<bool, T> ReadOne(const std::string& line, T initial) {
   T value = initial;
   const bool found = ParseValue(file.in(), value);
   return {found, value};
-}
-
-TEST(ObjectStreamReader, HeadFromDocTypeAndWriteHeader) {
-  StreamFile file(StreamHead("(c) x") + "\n</Obj>");
-  EXPECT_TRUE(ParseStartXML(file.in()));
-  EXPECT_TRUE(ParseEndObj(file.in()));
 }
 
 TEST(ObjectStreamReader, HeadLooksOnlyAtFirstTokens) {
@@ -158,29 +151,6 @@ TEST(ObjectStreamReader, StringValues) {
             std::make_pair(true, S("/>x")));
   EXPECT_EQ(ReadOne("<String valu=\"a\"/>", S("old")),
             std::make_pair(false, S("old")));
-}
-
-TEST(ObjectStreamReader, CrLfLineEnds) {
-  StreamFile file(
-      "<?xml version=\"1.0\" ?>\r\n<!DOCTYPE OstraXMLRoot>\r\n"
-      "<OstraXMLRoot copyright=\"\">\r\n\t<Obj name=\"A\">\r\n"
-      "\t\t<String value=\"\"/>\r\n\t\t<String value=\"s t\"/>\r\n"
-      "\t\t<Double value=\"Missing\"/>\r\n\t\t<Int value=\"1\"/>\r\n"
-      "\t</Obj>\r\n");
-  std::string empty = "x", text;
-  double missing = 0;
-  bool flag = false;
-  EXPECT_TRUE(ParseStartXML(file.in()));
-  EXPECT_TRUE(ParseStartObj(file.in(), "A"));
-  EXPECT_TRUE(ParseValue(file.in(), empty));
-  EXPECT_TRUE(ParseValue(file.in(), text));
-  EXPECT_TRUE(ParseValue(file.in(), missing));
-  EXPECT_TRUE(ParseValue(file.in(), flag));
-  EXPECT_TRUE(ParseEndObj(file.in()));
-  EXPECT_EQ(empty, "");
-  EXPECT_EQ(text, "s t");
-  EXPECT_EQ(missing, MV::gMissingValue);
-  EXPECT_TRUE(flag);
 }
 
 TEST(ObjectStreamReader, LastLineWithoutLineEnd) {
