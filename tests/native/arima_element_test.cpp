@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstdint>
 #include <memory>
 #include <random>
 #include <string>
@@ -17,9 +18,7 @@ namespace {
 
 using OstraTimeXML::XMLElement;
 using testing_support::EstimateElement;
-using testing_support::LagTerm;
 using testing_support::Lines;
-using testing_support::OutlierEffect;
 using testing_support::Sequence;
 using testing_support::Text;
 
@@ -33,6 +32,24 @@ std::string Build(const AMModelSpec& spec, const std::valarray<double>& params,
   std::unique_ptr<XMLElement> element(
       tsxml::MakeARIMAElement(spec, refs, params, stdErrors));
   return element ? Text(*element) : "null";
+}
+
+// A "LagTerm" ("ZeroLagTerm" for lag 0), empty without an estimate.
+std::string LagTerm(size_t tabs, unsigned lag,
+                    const std::string& estimate = "") {
+  std::vector<std::string> estimates;
+  if (!estimate.empty()) estimates.push_back(estimate);
+  if (lag == 0) return EstimateElement(tabs, "ZeroLagTerm", {}, estimates);
+  return EstimateElement(tabs, "LagTerm",
+                         {"lag=\"" + std::to_string(lag) + "\""}, estimates);
+}
+
+std::string OutlierEffect(size_t tabs, const std::string& type, uint64_t start,
+                          const std::vector<std::string>& estimates) {
+  return EstimateElement(
+      tabs, "OutlierEffect",
+      {"type=\"" + type + "\"", "startIndex=\"" + std::to_string(start) + "\""},
+      estimates);
 }
 
 // The start tag with the default references and no season.

@@ -2,12 +2,10 @@
 #ifndef TSXML_TESTS_SUPPORT_ARIMA_FIXTURES_H
 #define TSXML_TESTS_SUPPORT_ARIMA_FIXTURES_H
 
-#include <cstdint>
 #include <memory>
-#include <string>
 #include <type_traits>
+#include <utility>
 #include <valarray>
-#include <vector>
 
 #include "modelapi/forecast_model.h"
 #include "support/model_fixtures.h"
@@ -44,9 +42,9 @@ inline AMModelSpec MakeFullARIMASpec() {
   return spec;
 }
 
-// A state of `State` for MakeFullARIMASpec() with every list filled.
+// A model of MakeFullARIMASpec() whose `State` has every list filled.
 template <typename State>
-std::unique_ptr<State> MakeFullARIMAState() {
+TSFModel MakeFullARIMAModel() {
   const AMModelSpec spec = MakeFullARIMASpec();
   const unsigned count = spec.GetParameterCount(true);
   auto state = std::make_unique<State>(spec, Sequence(count, 0.5, 0.25),
@@ -67,12 +65,7 @@ std::unique_ptr<State> MakeFullARIMAState() {
     state->SetFinalNu({1.5, 1.25});
     state->SetFinalIterCount(7);
   }
-  return state;
-}
-
-template <typename State>
-TSFModel MakeFullARIMAModel(const EstimationInfo& info = BasicInfo()) {
-  return TSFModel(new TSFModelImp(MakeFullARIMAState<State>(), info));
+  return TSFModel(new TSFModelImp(std::move(state), BasicInfo()));
 }
 
 // A simple smoothing state with level `level` and alpha `alpha` (0.05).
@@ -81,33 +74,15 @@ inline ESForecastState MakeSubmodelState(double level, double alpha) {
                          WIESSmState(level, 0.0));
 }
 
-// A Croston model of the three sub-models with levels 12.5, 3.25 and 4.
+// A Croston model of the three sub-models with levels 12.5, `elapsedLevel`
+// and 4.
 inline TSFCrModel MakeCrostonModel(
     unsigned function = BFSharedConst::NoTransform,
-    const EstimationInfo& info = BasicInfo()) {
+    double elapsedLevel = 3.25) {
   return TSFCrModel(new TSFCrModelImp(
-      MakeSubmodelState(12.5, 0.2), MakeSubmodelState(3.25, 0.1),
-      MakeSubmodelState(4, 0.3), info,
+      MakeSubmodelState(12.5, 0.2), MakeSubmodelState(elapsedLevel, 0.1),
+      MakeSubmodelState(4, 0.3), BasicInfo(),
       static_cast<BFSharedConst::TSFunctionType>(function)));
-}
-
-// A "LagTerm" ("ZeroLagTerm" for lag 0), empty without an estimate.
-inline std::string LagTerm(size_t tabs, unsigned lag,
-                           const std::string& estimate = "") {
-  std::vector<std::string> estimates;
-  if (!estimate.empty()) estimates.push_back(estimate);
-  if (lag == 0) return EstimateElement(tabs, "ZeroLagTerm", {}, estimates);
-  return EstimateElement(tabs, "LagTerm",
-                         {"lag=\"" + std::to_string(lag) + "\""}, estimates);
-}
-
-inline std::string OutlierEffect(size_t tabs, const std::string& type,
-                                 uint64_t start,
-                                 const std::vector<std::string>& estimates) {
-  return EstimateElement(
-      tabs, "OutlierEffect",
-      {"type=\"" + type + "\"", "startIndex=\"" + std::to_string(start) + "\""},
-      estimates);
 }
 
 }  // namespace testing_support

@@ -1,6 +1,5 @@
-// A global operator new that can be told to fail: include this header in
-// exactly one source file of a test binary, since it replaces the global
-// allocation functions.
+// A global operator new that can be told to fail. It replaces the global
+// allocation functions: include it in one source file of a test binary.
 #ifndef TSXML_TESTS_SUPPORT_FAILING_ALLOCATOR_H
 #define TSXML_TESTS_SUPPORT_FAILING_ALLOCATOR_H
 
@@ -11,16 +10,14 @@
 
 namespace testing_support {
 
-// Counts down allocations while armed; the allocation at which it reaches 0
-// throws std::bad_alloc (and disarms). -1 means disarmed.
+// Allocations left before one throws std::bad_alloc (and disarms); -1 is
+// disarmed. gFailAlways fails them all. gLiveAllocations counts the blocks
+// not yet freed.
 inline long gAllocationsUntilFailure = -1;
-// While true, every allocation fails.
 inline bool gFailAlways = false;
-// Blocks allocated through operator new and not yet freed.
 inline long gLiveAllocations = 0;
 
-// Arms the allocator so that the n-th allocation from now (0-based) fails,
-// and disarms it again when it goes out of scope.
+// Makes the n-th allocation from now (0-based) fail while in scope.
 class FailingAllocations {
  public:
   explicit FailingAllocations(long n) { gAllocationsUntilFailure = n; }
@@ -29,9 +26,8 @@ class FailingAllocations {
   FailingAllocations& operator=(const FailingAllocations&) = delete;
 };
 
-// Calls `step(n)` for n = 0, 1, ... until it returns true; `step` arms a
-// FailingAllocations(n) around the call under test and returns whether that
-// call completed. Returns the number of runs that failed.
+// Calls `step(n)` for n = 0, 1, ... until it returns true (the call under
+// test, with FailingAllocations(n), completed); returns the failed runs.
 template <typename Step>
 long ForEachFailingAllocation(Step step) {
   long n = 0;
@@ -39,8 +35,8 @@ long ForEachFailingAllocation(Step step) {
   return n;
 }
 
-// A stream buffer that stores into capacity reserved up front, so that
-// writing to it never allocates (bytes beyond the capacity are dropped).
+// A stream buffer that never allocates: it keeps what fits in the capacity
+// reserved up front and drops the rest.
 class ReservedBuffer : public std::streambuf {
  public:
   explicit ReservedBuffer(size_t capacity) { text_.reserve(capacity); }
@@ -76,8 +72,7 @@ inline void* AllocateOrFail(std::size_t size) {
   return block;
 }
 
-// Not inlined, so that an optimiser doesn't see free() meet a block from
-// operator new and warn of a mismatch.
+// Not inlined, lest an optimiser warn that free() meets operator new.
 [[gnu::noinline]] inline void Release(void* block) noexcept {
   if (block == nullptr) return;
   --testing_support::gLiveAllocations;

@@ -14,13 +14,11 @@
 
 namespace {
 
-using testing_support::BasicInfo;
 using testing_support::EstimateElement;
 using testing_support::Lines;
 using testing_support::MakeCrostonModel;
 using testing_support::MakeFullARIMAModel;
 using testing_support::MakeSimpleModel;
-using testing_support::MakeSubmodelState;
 using tree_testing::kBasicInfo;
 using tree_testing::kDocumentStart;
 using tree_testing::kRefs;
@@ -100,11 +98,10 @@ TEST(ARIMATreeTest, PredictorNameMismatchLeavesTheTreeUnchanged) {
 const TSXDictionaryRefs kCrostonRefs("Parts", "spare parts", "demand");
 
 TEST(CrostonTreeTest, SubmodelWithMissingLevelKeepsItsElements) {
-  const TSFCrModel model(new TSFCrModelImp(
-      MakeSubmodelState(12.5, 0.2), MakeSubmodelState(MV::gMissingValue, 0.1),
-      MakeSubmodelState(4, 0.3), BasicInfo(), BFSharedConst::SquareRoot));
   TSXMLTree tree;
-  ASSERT_TRUE(tree.AddModelTree(model, kCrostonRefs));
+  ASSERT_TRUE(tree.AddModelTree(
+      MakeCrostonModel(BFSharedConst::SquareRoot, MV::gMissingValue),
+      kCrostonRefs));
   EXPECT_EQ(tree.GetModelCount(), 1);
   EXPECT_EQ(Write(tree),
             kDocumentStart +
