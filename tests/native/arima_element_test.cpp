@@ -61,18 +61,19 @@ TEST(ARIMAElementTest, ModelWithoutTermsHasAttributesOnly) {
       Build(AMModelSpec(), {}, {}),
       Lines({"<ARIMAModel", "\tmodelName=\"M\"", "\tvariableID=\"y\"/>"}));
 
-  // All attributes in their order; differencing alone gives "Transformation".
+  // All attributes in their order, and the transformation of the series.
   AMModelSpec differenced;
   differenced.SetSeasonLength(12);
   differenced.SetYDiff(1, 0);
+  differenced.SetYTransformSpec(TSTransformSpec(BFSharedConst::Logarithm));
   TSXDictionaryRefs refs("M", "D", "y");
   refs.SetDateSpecID(3);
-  EXPECT_EQ(
-      Build(differenced, {}, {}, refs),
-      Lines({"<ARIMAModel", "\tmodelName=\"M\"", "\tmodelDescriptor=\"D\"",
-             "\tvariableID=\"y\"", "\tdateSpecID=\"3\"",
-             "\tseasonLength=\"12\">", "\t<Transformation",
-             "\t\tnonSeasonalDiff=\"1\"/>", "</ARIMAModel>"}));
+  EXPECT_EQ(Build(differenced, {}, {}, refs),
+            Lines({"<ARIMAModel", "\tmodelName=\"M\"",
+                   "\tmodelDescriptor=\"D\"", "\tvariableID=\"y\"",
+                   "\tdateSpecID=\"3\"", "\tseasonLength=\"12\">",
+                   "\t<Transformation", "\t\tfunction=\"logarithm\"",
+                   "\t\tnonSeasonalDiff=\"1\"/>", "</ARIMAModel>"}));
 }
 
 TEST(ARIMAElementTest, SeasonalModelWithARLagsOneAndThree) {

@@ -63,17 +63,18 @@ TEST(ARIMAStateElementTest, PredictorHistoryWithEmptyLists) {
                    "\t</ARIMACLSState>", "</P>"}));
 }
 
-// The states with every list filled are in the tree's ARIMA documents.
 TEST(ARIMAStateElementTest, MLStateWritesThePackedOmega) {
   ARMAMLForecastState state{AMModelSpec()};
   state.SetStateSpan(TSSpan(0, 48, 1));
   state.SetActualZ({2});
+  state.SetPredZ({-2});
   state.SetFinalOmega(DSymMat(3, {1, 0, 0, 0, 0.25, 4}));
   state.SetFinalStateV({0.125, -0.125, 1});
   EXPECT_EQ(Under([&](XMLElement& p) { tsxml::AddARIMAMLState(p, state); }),
             Lines({"<P>", "\t<ARIMAMLState", "\t\tperiodDeficit=\"1\">",
-                   "\t\t<ZState>", "\t\t\t<FinalZ>2</FinalZ>", "\t\t</ZState>",
-                   "\t\t<KalmanState>",
+                   "\t\t<ZState>", "\t\t\t<FinalZ>2</FinalZ>",
+                   "\t\t\t<FinalPredictedZ>-2</FinalPredictedZ>",
+                   "\t\t</ZState>", "\t\t<KalmanState>",
                    "\t\t\t<FinalOmega>1 0 0 0 0.25 4</FinalOmega>",
                    "\t\t\t<FinalStateVector>0.125 -0.125 1</FinalStateVector>",
                    "\t\t</KalmanState>", "\t</ARIMAMLState>", "</P>"}));
