@@ -8,7 +8,6 @@
 #include "modelapi/estimation_info.h"
 #include "modelapi/missing_value.h"
 #include "support/model_fixtures.h"
-#include "tree/dictionary_refs.h"
 
 namespace {
 
@@ -23,12 +22,11 @@ std::unique_ptr<XMLElement> Element(const char* name = "p") {
   return std::unique_ptr<XMLElement>(XMLElement::Create(name));
 }
 
+// The value lists of the ARIMA states show the list rules.
 TEST(ValueTextTest, MissingInfinityAndNumbersInOrder) {
   const double values[] = {1.5, kMissing, kInf, 2, -kInf, 1.0 / 3};
   EXPECT_EQ(tsxml::ValueText(values, 6),
             "1.5 NaN INF 2 -INF 0.333333333333333");
-  const double allMissing[] = {kMissing, kMissing, kMissing};
-  EXPECT_EQ(tsxml::ValueText(allMissing, 3), "NaN NaN NaN");
   // A NaN is not the missing value: it keeps the runtime's text.
   const double nan = std::numeric_limits<double>::quiet_NaN();
   EXPECT_NE(tsxml::ValueText(&nan, 1), "NaN");
@@ -41,15 +39,6 @@ TEST(ValueTextTest, CountZeroAddsNoTextNode) {
   const double one = 7;
   tsxml::AddValueText(*p, &one, 1);
   EXPECT_EQ(Text(*p), "\n<p>7</p>");
-}
-
-TEST(ValueListElementTest, EmptyListsAndEmitEmpty) {
-  auto p = Element();
-  EXPECT_FALSE(tsxml::AddValueListElement(*p, "L", {}, false));
-  EXPECT_EQ(Text(*p), "\n<p/>");
-  EXPECT_TRUE(tsxml::AddValueListElement(*p, "L", {}, true));
-  EXPECT_TRUE(tsxml::AddValueListElement(*p, "M", {1, kMissing}, false));
-  EXPECT_EQ(Text(*p), Lines({"<p>", "\t<L/>", "\t<M>1 NaN</M>", "</p>"}));
 }
 
 TEST(TransformationElementTest, AttributesOnlyWhereTheyApply) {
@@ -141,13 +130,6 @@ TEST(EstimationInfoTest, StatisticsInTableOrderThenLjungBox) {
                              "\t\t\tpValue=\"0.75\">12.5</LjungBoxStatistic>",
                              "\t</EstimationInfo>",
                              "</p>"}));
-}
-
-TEST(ModelAttributesTest, EmptyNamesAreLeftOut) {
-  // All attributes in their order: see the ARIMA element.
-  auto bare = Element("m");
-  tsxml::AddModelAttributes(*bare, TSXDictionaryRefs("", "", ""));
-  EXPECT_EQ(Text(*bare), "\n<m\n\tvariableID=\"\"/>");
 }
 
 }  // namespace

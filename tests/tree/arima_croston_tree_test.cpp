@@ -128,8 +128,6 @@ TEST(CrostonTreeTest, RefusedReferencesAndEmptyHandles) {
   // A Croston model has no predictors to name.
   EXPECT_FALSE(tree.AddModelTree(MakeCrostonModel(),
                                  TSXDictionaryRefs("P", "", "demand", {"x"})));
-  EXPECT_FALSE(
-      tree.AddModelTree(MakeCrostonModel(), TSXDictionaryRefs("", "", "d")));
   EXPECT_FALSE(tree.AddModelTree(TSFCrModel(), kCrostonRefs));
   EXPECT_EQ(tree.GetModelCount(), 0);
   TSXMLTree null(nullptr);
