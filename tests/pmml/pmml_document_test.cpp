@@ -187,8 +187,19 @@ TEST(PMMLDocumentTest, TimeFieldNeedsBothNameAndType) {
   EXPECT_EQ(WriteText(document, false), Body(ESDictionary("", "Hour", "time")));
 }
 
-TEST(TimeFieldTest, PeriodTypesOutsideTheTableAreSkipped) {
-  std::string name = "n", type = "t";
+TEST(TimeFieldTest, EveryPeriodTypeAndTypesOutsideTheTable) {
+  // Most of these words reach no document of the other tests.
+  const char* const fields[] = {
+      "SimpleSequence time", "Cycle date",  "Year date", "Quarter date",
+      "Month date",          "Week date",   "Day date",  "Hour time",
+      "Minute time",         "Second time", "Obs time"};
+  std::string name, type;
+  for (int period = 0; period < 11; ++period) {
+    EXPECT_TRUE(tsxml::TimeFieldOfPeriod(period, name, type));
+    EXPECT_EQ(name + " " + type, fields[period]);
+  }
+  name = "n";
+  type = "t";
   for (const int outside : {-1, 11, 1000}) {
     EXPECT_FALSE(tsxml::TimeFieldOfPeriod(outside, name, type));
   }
