@@ -83,12 +83,6 @@ void CheckAddToTree(MakeTreeFunction make, const Model& model,
   EXPECT_GT(failures, 10);
 }
 
-// CheckAddToTree on a native tree of one model.
-template <typename Model>
-void CheckAddModelTree(const Model& model, const TSXDictionaryRefs& refs) {
-  CheckAddToTree([] { return MakeTree(1); }, model, refs);
-}
-
 // Writes the tree that `make` gives, of `count` models, with every
 // allocation failing in turn: each failure keeps the models for a later
 // write, and the run that completes writes the whole document.
@@ -116,30 +110,6 @@ void CheckWriteToStream(MakeTreeFunction make, int count) {
   EXPECT_GT(failures, 3);
 }
 
-TEST(AllocationFailureTest, AddModelTreeLeavesTheTreeUnchanged) {
-  CheckAddModelTree(MakeSeasonalModel(), TSXDictionaryRefs("M", "", "y"));
-  const TSXDictionaryRefs refs("A", "d", "y", {"x"});
-  CheckAddModelTree(MakeFullARIMAModel<ARMACLSForecastState>(), refs);
-  CheckAddModelTree(MakeFullARIMAModel<ARMAMLForecastState>(), refs);
-  CheckAddModelTree(MakeFullARIMAModel<ARMAMLSpForecastState>(), refs);
-  CheckAddModelTree(MakeCrostonModel(BFSharedConst::Logarithm),
-                    TSXDictionaryRefs("C", "", "demand"));
-}
-
-TEST(AllocationFailureTest, WriteToStreamLeavesTheTreeUnchanged) {
-  // Simple, seasonal, ARIMA and Croston models.
-  CheckWriteToStream(
-      [] {
-        TSXMLTree tree = MakeTree(2);
-        tree.AddModelTree(MakeFullARIMAModel<ARMAMLSpForecastState>(),
-                          TSXDictionaryRefs("A", "", "y", {"x"}));
-        tree.AddModelTree(MakeCrostonModel(),
-                          TSXDictionaryRefs("C", "", "demand"));
-        return tree;
-      },
-      4);
-}
-
 // A PMML tree with a date specification and `count` models: a simple one on
 // "y", then seasonal ones with a history on "z", so that the last add changes
 // DataDictionary.
@@ -155,12 +125,32 @@ TSXMLTree MakePMMLTree(int count) {
   return tree;
 }
 
-TEST(AllocationFailureTest, PMMLAddModelTreeLeavesTheDocumentUnchanged) {
+TEST(AllocationFailureTest, AddModelTreeLeavesTheTreeUnchanged) {
+  const auto oneModel = [] { return MakeTree(1); };
+  CheckAddToTree(oneModel, MakeSeasonalModel(),
+                 TSXDictionaryRefs("M", "", "y"));
+  const TSXDictionaryRefs refs("A", "d", "y", {"x"});
+  CheckAddToTree(oneModel, MakeFullARIMAModel<ARMACLSForecastState>(), refs);
+  CheckAddToTree(oneModel, MakeFullARIMAModel<ARMAMLForecastState>(), refs);
+  CheckAddToTree(oneModel, MakeFullARIMAModel<ARMAMLSpForecastState>(), refs);
+  CheckAddToTree(oneModel, MakeCrostonModel(BFSharedConst::Logarithm),
+                 TSXDictionaryRefs("C", "", "demand"));
   CheckAddToTree([] { return MakePMMLTree(1); }, MakeSeasonalModel({5, 6, 7}),
                  TSXDictionaryRefs("M", "", "z"));
 }
 
-TEST(AllocationFailureTest, PMMLWriteToStreamLeavesTheDocumentUnchanged) {
+TEST(AllocationFailureTest, WriteToStreamLeavesTheTreeUnchanged) {
+  // Simple, seasonal, ARIMA and Croston models.
+  CheckWriteToStream(
+      [] {
+        TSXMLTree tree = MakeTree(2);
+        tree.AddModelTree(MakeFullARIMAModel<ARMAMLSpForecastState>(),
+                          TSXDictionaryRefs("A", "", "y", {"x"}));
+        tree.AddModelTree(MakeCrostonModel(),
+                          TSXDictionaryRefs("C", "", "demand"));
+        return tree;
+      },
+      4);
   // PMML models are not counted, and the document stays for another write.
   CheckWriteToStream([] { return MakePMMLTree(2); }, 0);
 }
