@@ -72,34 +72,23 @@ TEST(ExpSmoothingElementTest, SimpleSeasonalHasSeasonButNoTrendState) {
 }
 
 TEST(ExpSmoothingElementTest, ModelsThatCannotBeWrittenGiveNull) {
+  using Spec = ESModelSpec;
   const WIESSmState sound(1, 1, 0, {1, 2});
-  ESModelSpec pastEnd(ESModelSpec::ESSimple);
-  pastEnd.SetESParameterIndex(ESModelSpec::Level, 3);
+  Spec pastEnd(Spec::ESSimple);
+  pastEnd.SetESParameterIndex(Spec::Level, 3);
   pastEnd.SetParameterCount(1);
   const struct {
     const char* what;
-    ESModelSpec spec;
+    Spec spec;
     std::valarray<double> parameters;
     WIESSmState state;
   } cases[] = {
-      {"type outside the table", ESModelSpec(9), {0.5}, sound},
+      {"type outside the table", Spec(9), {0.5}, sound},
       {"position past the estimates", pastEnd, {0.5}, sound},
-      {"missing estimate",
-       ESModelSpec(ESModelSpec::ESHolt),
-       {0.5, kMissing},
-       sound},
-      {"missing level",
-       ESModelSpec(ESModelSpec::ESSimple),
-       {0.5},
-       WIESSmState(kMissing, 0)},
-      {"missing trend",
-       ESModelSpec(ESModelSpec::ESBrown),
-       {0.5},
-       WIESSmState(1, kMissing)},
-      {"missing seasonal value",
-       ESModelSpec(ESModelSpec::ESSimple),
-       {0.5},
-       WIESSmState(1, 0, 0, {1, kMissing})},
+      {"missing estimate", Spec(Spec::ESHolt), {0.5, kMissing}, sound},
+      {"missing level", Spec(Spec::ESSimple), {0.5}, {kMissing, 0}},
+      {"missing trend", Spec(Spec::ESBrown), {0.5}, {1, kMissing}},
+      {"missing season", Spec(Spec::ESSimple), {0.5}, {1, 0, 0, {1, kMissing}}},
   };
   for (const auto& c : cases) {
     EXPECT_EQ(Build(ESForecastState(c.spec, c.parameters, {}, c.state)),
