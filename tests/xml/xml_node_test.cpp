@@ -7,11 +7,12 @@
 #include <string>
 #include <vector>
 
+#include "xml_reference.h"
+
 namespace OstraTimeXML {
 namespace {
 
-const std::string kDeclaration =
-    "<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\n";
+using xml_reference::Declaration;
 
 std::string Text(const XMLInterface& node, ExportFormat& format) {
   std::string out;
@@ -126,13 +127,13 @@ TEST(Escaping, AttributeBlanks) {
 
 TEST(DocType, DeclarationAndExtensions) {
   std::unique_ptr<XMLDocType> doc(XMLDocType::Create("r", "s", 7));
-  EXPECT_EQ(Text(*doc), kDeclaration + "<!DOCTYPE r SYSTEM \"s\">\n");
+  EXPECT_EQ(Text(*doc), Declaration() + "<!DOCTYPE r SYSTEM \"s\">\n");
 
   EXPECT_EQ(doc->AddExtension("E"), 2);
-  EXPECT_EQ(Text(*doc), kDeclaration + "<!DOCTYPE r SYSTEM \"s\"\n[\nE\n]>\n");
+  EXPECT_EQ(Text(*doc), Declaration() + "<!DOCTYPE r SYSTEM \"s\"\n[\nE\n]>\n");
   EXPECT_EQ(doc->AddExtension("<!ENTITY a \"&\">"), 18);
   const std::string both =
-      kDeclaration + "<!DOCTYPE r SYSTEM \"s\"\n[\nE\n<!ENTITY a \"&\">\n]>\n";
+      Declaration() + "<!DOCTYPE r SYSTEM \"s\"\n[\nE\n<!ENTITY a \"&\">\n]>\n";
   EXPECT_EQ(Text(*doc), both);
   ExportFormat format;
   EXPECT_EQ(StreamText(*doc, format), both);
@@ -149,7 +150,7 @@ TEST(WriteTreeTest, DocTypeAndFlatLayout) {
   doc->AddExtension("E");
   std::ostringstream flat;
   EXPECT_EQ(WriteTree(flat, doc.get(), a.get(), false), 0);
-  EXPECT_EQ(flat.str(), kDeclaration +
+  EXPECT_EQ(flat.str(), Declaration() +
                             "<!DOCTYPE a SYSTEM \"a.dtd\"\n[\nE\n]>\n"
                             "<a x=\"1\"><b/><c>t</c></a>");
 
@@ -159,7 +160,7 @@ TEST(WriteTreeTest, DocTypeAndFlatLayout) {
 
   std::ostringstream prolog_only;
   WriteTree(prolog_only, nullptr, nullptr, true);
-  EXPECT_EQ(prolog_only.str(), kDeclaration);
+  EXPECT_EQ(prolog_only.str(), Declaration());
 
   const std::string bytes("a\0\xFF\n", 4);
   std::ostringstream os;
@@ -259,7 +260,7 @@ TEST(DeepTree, FlatAndFormattedChains) {
     EXPECT_EQ(StreamText(*root, format, true), expected);
     std::ostringstream os;
     WriteTree(os, nullptr, root.get(), formatted);
-    EXPECT_EQ(os.str(), kDeclaration + expected);
+    EXPECT_EQ(os.str(), Declaration() + expected);
   }
 }
 

@@ -11,6 +11,11 @@
 
 namespace xml_reference {
 
+// The declaration line that every document begins with.
+inline std::string Declaration() {
+  return "<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\n";
+}
+
 // Replaces every `from` in `text`, scanning on behind each inserted `to`.
 inline std::string ReplaceAll(std::string text, const std::string& from,
                               const std::string& to) {

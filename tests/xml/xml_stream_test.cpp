@@ -17,9 +17,6 @@ namespace {
 
 namespace ref = xml_reference;
 
-const std::string kDeclaration =
-    "<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\n";
-
 // A host subclass that changes nothing; the writer must call its virtuals.
 class HostElement : public XMLElement {
  public:
@@ -197,7 +194,8 @@ TEST(GeneratedTrees, ToStringAndToStreamMatchReference) {
 
     std::ostringstream document;
     WriteTree(document, nullptr, c.tree.get(), c.start.format);
-    ASSERT_EQ(document.str(), kDeclaration + ref::Join(c.document_pieces));
+    ASSERT_EQ(document.str(),
+              ref::Declaration() + ref::Join(c.document_pieces));
   }
 }
 
@@ -227,7 +225,7 @@ TEST(GeneratedTrees, Utf8RouteConvertsPieceByPiece) {
       std::ostringstream document;
       WriteTreeUTF8(document, nullptr, tc.tree.get(), tc.start.format);
       ASSERT_EQ(document.str(),
-                kDeclaration + ref::Join(tc.document_pieces, c.converts));
+                ref::Declaration() + ref::Join(tc.document_pieces, c.converts));
     }
   }
 }
