@@ -187,12 +187,9 @@ TEST_F(SchemaValidationTest, MissingValuesInTheFinalState) {
         continue;
       }
       EXPECT_FALSE(Validate(document)) << what;
-      const std::string typeWord =
-          "type=\"" +
-          std::string(type == ESModelSpec::ESMultiplicativeWinters
-                          ? "multiplicative"
-                          : "additive") +
-          "\"";
+      const std::string typeWord = type == ESModelSpec::ESMultiplicativeWinters
+                                       ? "type=\"multiplicative\""
+                                       : "type=\"additive\"";
       ExpectValid(
           what + ", array put in",
           Patch(document, "<Seasonality_ExpoSmooth", typeWord + "/>",
