@@ -78,6 +78,7 @@ TEST(AddPeriod, WholeSubCycleReadsAsZero) {
   DS whole = YearMonth();
   DS explicit_length(DS::Year);
   ASSERT_TRUE(explicit_length.AddPeriod(DS::Month, 12, 0, 12).IsOK());
+  EXPECT_EQ(PeriodFields(whole, 1), (Indexes{DS::Month, 12, 0, 0}));
   EXPECT_EQ(Snapshot(explicit_length), Snapshot(whole));
   ASSERT_TRUE(whole.AddPeriod(DS::Month, 12, 2, 7).IsOK());
   EXPECT_EQ(whole.FirstCaseIndex().GetIndexes(), (Indexes{0, 2}));
