@@ -53,7 +53,7 @@ std::string Format(long value) {
         std::to_chars(text, text + sizeof(text), value);
     return std::string(text, result.ptr);
   }
-  return Format(static_cast<double>(value), true, nullptr);
+  return ReplaceSep(static_cast<double>(value), nullptr);
 }
 
 std::string ReplaceSep(double value, char*) {

@@ -21,7 +21,7 @@ TSXML_API std::string Format(double value, bool useFormatString,
 // The plain decimal text of an integer, via double and "%.15g": exact for
 // every value up to 15 digits (all 32-bit values); a 64-bit value of 16 or
 // more digits comes out rounded to 15 significant digits in exponent form,
-// with the process locale's decimal character.
+// with a point whatever the process locale.
 TSXML_API std::string Format(long value);
 
 // The "%.15g" text of `value` in the classic locale; `formatString` is not

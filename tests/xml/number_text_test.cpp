@@ -149,6 +149,7 @@ TEST(NumberTextLocale, DecimalCommaLeavesDefaultRouteAlone) {
   EXPECT_EQ(Format(1.5, true, nullptr), "1,5");
   EXPECT_EQ(Format(1234567.25, false, nullptr), "1234567.25");
   EXPECT_EQ(Format(static_cast<long>(INT32_MIN)), "-2147483648");
+  EXPECT_EQ(Format(LONG_MIN), "-9.22337203685478e+18");
   EXPECT_EQ(GetDecimalCharacter(), ",");
 
   std::unique_ptr<XMLAttribute> during(XMLAttribute::Create("w", 2.25));
