@@ -30,3 +30,28 @@ function(tsxml_component name)
                  ${CMAKE_CURRENT_SOURCE_DIR}/${header})
   endforeach()
 endfunction()
+
+# tsxml_add_program(<name> SOURCES <files...> COMPONENTS <folders...> [LIBS <libs...>])
+# An executable of the project's own (a test, benchmark or fuzz target),
+# linked against the object libraries of the named folders, so that it
+# reaches internal helpers the shared library hides.
+function(tsxml_add_program name)
+  cmake_parse_arguments(P "" "" "SOURCES;COMPONENTS;LIBS" ${ARGN})
+  add_executable(${name} ${P_SOURCES})
+  foreach(component IN LISTS P_COMPONENTS)
+    target_link_libraries(${name} PRIVATE tsxml_${component})
+  endforeach()
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+  target_link_libraries(${name} PRIVATE ${P_LIBS})
+  tsxml_warnings(${name})
+endfunction()
+
+# tsxml_add_folders(<folders...>): add_subdirectory for each of the named
+# folders that has a CMakeLists.txt below the current directory.
+macro(tsxml_add_folders)
+  foreach(folder ${ARGN})
+    if(EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/CMakeLists.txt)
+      add_subdirectory(${folder})
+    endif()
+  endforeach()
+endmacro()
