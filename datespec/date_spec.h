@@ -34,13 +34,13 @@ class TSXDateSpecImp;
 //   40200 thrown by the constructor for a first period of type Obs;
 //   40201 AddPeriod: cycle length below 2, or sub-cycle beyond the cycle;
 //   40202 AddPeriod: type Cycle, or not after the first period's type;
-//   40204 AddPeriod: calendar type on a clock specification, or the reverse;
+//   40204 AddPeriod: calendar type on a clock date spec, or the reverse;
 //   40205 SetLowestIncrement, AddGap: the first period is SimpleSequence;
 //   40206 AddPeriod: Quarter and Month don't fit together;
 //   40207 SetLowestIncrement, AddPeriod: the increment is 0 or doesn't divide
 //         the sub-cycle length of the last period;
 //   40208 AddGap, SetFirstCaseIndex: the tuple isn't bound to this
-//         specification or isn't valid for it;
+//         date spec or isn't valid for it;
 //   40209 AddGap: the offset isn't greater than 0;
 //   40210 AddPeriod: an eighth period, since a tuple holds seven indexes.
 class TSXML_API TSXDateSpec {
@@ -64,8 +64,8 @@ class TSXML_API TSXDateSpec {
 
   // One case as one index per period. A tuple is a plain value holding a
   // pointer to the implementation it is bound to (not owned: that
-  // specification must outlive the tuple) or null when unbound. It doesn't
-  // notice changes of its specification; they show only in IsValid.
+  // date spec must outlive the tuple) or null when unbound. It doesn't
+  // notice changes of its date spec; they show only in IsValid.
   class TSXML_API TSXIndexTuple {
    public:
     static constexpr unsigned kMaxIndexes = 7;

@@ -12,15 +12,12 @@
 namespace {
 
 using OstraTimeXML::XMLElement;
+using testing_support::Element;
 using testing_support::Lines;
 using testing_support::Text;
 
 constexpr double kInf = std::numeric_limits<double>::infinity();
 constexpr double kMissing = MV::gMissingValue;
-
-std::unique_ptr<XMLElement> Element(const char* name = "p") {
-  return std::unique_ptr<XMLElement>(XMLElement::Create(name));
-}
 
 // The value lists of the ARIMA states show the list rules.
 TEST(ValueTextTest, MissingInfinityAndNumbersInOrder) {

@@ -17,15 +17,12 @@
 namespace {
 
 using OstraTimeXML::XMLElement;
+using testing_support::Element;
 using testing_support::Lines;
 using testing_support::Text;
 
 constexpr double kInf = std::numeric_limits<double>::infinity();
 constexpr double kMissing = MV::gMissingValue;
-
-std::unique_ptr<XMLElement> Element() {
-  return std::unique_ptr<XMLElement>(XMLElement::Create("p"));
-}
 
 const std::string kInfText = OstraTimeXML::Format(kInf, false, nullptr);
 

@@ -41,6 +41,13 @@ inline std::string EstimateElement(size_t tabs, const std::string& name,
   return text + "\n" + indent + "</" + name + ">";
 }
 
+// A new, empty element that the caller owns.
+inline std::unique_ptr<OstraTimeXML::XMLElement> Element(
+    const char* name = "p") {
+  return std::unique_ptr<OstraTimeXML::XMLElement>(
+      OstraTimeXML::XMLElement::Create(name));
+}
+
 // The text of `node` with a default format at `level`.
 inline std::string Text(const OstraTimeXML::XMLInterface& node, int level = 0) {
   OstraTimeXML::ExportFormat format;
