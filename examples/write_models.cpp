@@ -10,9 +10,9 @@
 #include <memory>
 #include <valarray>
 
-#include "datespec/date_spec.h"
-#include "modelapi/forecast_model.h"
-#include "tree/tsxml_tree.h"
+#include "tsxml/datespec/date_spec.h"
+#include "tsxml/modelapi/forecast_model.h"
+#include "tsxml/tree/tsxml_tree.h"
 
 namespace {
 

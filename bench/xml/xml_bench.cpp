@@ -26,9 +26,9 @@
 #include <string>
 #include <vector>
 
-#include "xml/internal/number_format.h"
-#include "xml/number_text.h"
-#include "xml/xml_node.h"
+#include "tsxml/xml/internal/number_format.h"
+#include "tsxml/xml/number_text.h"
+#include "tsxml/xml/xml_node.h"
 
 namespace {
 

@@ -16,11 +16,11 @@
 #include <variant>
 #include <vector>
 
-#include "modelapi/missing_value.h"
-#include "objectstream/xml_obj.h"
-#include "objectstream/xml_obj_reader.h"
-#include "xml/number_text.h"
-#include "xml/xml_node.h"
+#include "tsxml/modelapi/missing_value.h"
+#include "tsxml/objectstream/xml_obj.h"
+#include "tsxml/objectstream/xml_obj_reader.h"
+#include "tsxml/xml/number_text.h"
+#include "tsxml/xml/xml_node.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "datespec/date_spec.h"
+#include "tsxml/datespec/date_spec.h"
 
 namespace datespec_test {
 

@@ -1,10 +1,10 @@
-#include "modelapi/arima_spec.h"
+#include "tsxml/modelapi/arima_spec.h"
 
 #include <gtest/gtest.h>
 
 #include <vector>
 
-#include "modelapi/forecast_model.h"
+#include "tsxml/modelapi/forecast_model.h"
 #include "support/arima_fixtures.h"
 
 namespace {

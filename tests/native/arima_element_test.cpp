@@ -1,4 +1,4 @@
-#include "native/arima_element.h"
+#include "tsxml/native/arima_element.h"
 
 #include <gtest/gtest.h>
 
@@ -9,10 +9,10 @@
 #include <string>
 #include <vector>
 
-#include "modelapi/forecast_model.h"
+#include "tsxml/modelapi/forecast_model.h"
 #include "support/arima_fixtures.h"
 #include "support/model_fixtures.h"
-#include "tree/dictionary_refs.h"
+#include "tsxml/tree/dictionary_refs.h"
 
 namespace {
 

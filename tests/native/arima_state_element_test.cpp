@@ -1,10 +1,10 @@
-#include "native/arima_state_element.h"
+#include "tsxml/native/arima_state_element.h"
 
 #include <gtest/gtest.h>
 
 #include <memory>
 
-#include "modelapi/forecast_model.h"
+#include "tsxml/modelapi/forecast_model.h"
 #include "support/model_fixtures.h"
 
 namespace {

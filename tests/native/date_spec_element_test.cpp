@@ -1,10 +1,10 @@
-#include "native/date_spec_element.h"
+#include "tsxml/native/date_spec_element.h"
 
 #include <gtest/gtest.h>
 
 #include <memory>
 
-#include "datespec/date_spec.h"
+#include "tsxml/datespec/date_spec.h"
 #include "support/date_spec_fixtures.h"
 #include "support/model_fixtures.h"
 

@@ -1,12 +1,12 @@
-#include "native/es_element.h"
+#include "tsxml/native/es_element.h"
 
 #include <gtest/gtest.h>
 
 #include <memory>
 
-#include "modelapi/forecast_model.h"
+#include "tsxml/modelapi/forecast_model.h"
 #include "support/model_fixtures.h"
-#include "tree/dictionary_refs.h"
+#include "tsxml/tree/dictionary_refs.h"
 
 namespace {
 

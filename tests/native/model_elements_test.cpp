@@ -1,12 +1,12 @@
-#include "native/model_elements.h"
+#include "tsxml/native/model_elements.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
 #include <memory>
 
-#include "modelapi/estimation_info.h"
-#include "modelapi/missing_value.h"
+#include "tsxml/modelapi/estimation_info.h"
+#include "tsxml/modelapi/missing_value.h"
 #include "support/model_fixtures.h"
 
 namespace {

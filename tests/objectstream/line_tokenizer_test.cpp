@@ -1,4 +1,4 @@
-#include "objectstream/internal/line_tokenizer.h"
+#include "tsxml/objectstream/internal/line_tokenizer.h"
 
 #include <cstring>
 #include <random>

@@ -13,8 +13,8 @@
 #include <string>
 
 #include "gtest/gtest.h"
-#include "objectstream/xml_obj.h"
-#include "xml/xml_node.h"
+#include "tsxml/objectstream/xml_obj.h"
+#include "tsxml/xml/xml_node.h"
 
 namespace objectstream_test {
 

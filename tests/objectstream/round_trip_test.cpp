@@ -19,11 +19,11 @@
 #include <vector>
 
 #include "gtest/gtest.h"
-#include "modelapi/missing_value.h"
+#include "tsxml/modelapi/missing_value.h"
 #include "object_stream_test_util.h"
-#include "objectstream/xml_obj.h"
-#include "objectstream/xml_obj_reader.h"
-#include "xml/number_text.h"
+#include "tsxml/objectstream/xml_obj.h"
+#include "tsxml/objectstream/xml_obj_reader.h"
+#include "tsxml/xml/number_text.h"
 
 namespace {
 

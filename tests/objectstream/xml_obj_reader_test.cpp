@@ -1,11 +1,11 @@
-#include "objectstream/xml_obj_reader.h"
+#include "tsxml/objectstream/xml_obj_reader.h"
 
 #include <climits>
 #include <string>
 #include <utility>
 
 #include "gtest/gtest.h"
-#include "modelapi/missing_value.h"
+#include "tsxml/modelapi/missing_value.h"
 #include "object_stream_test_util.h"
 
 namespace {

@@ -4,9 +4,9 @@
 #include <string>
 
 #include "gtest/gtest.h"
-#include "modelapi/missing_value.h"
+#include "tsxml/modelapi/missing_value.h"
 #include "object_stream_test_util.h"
-#include "objectstream/xml_obj.h"
+#include "tsxml/objectstream/xml_obj.h"
 
 namespace {
 

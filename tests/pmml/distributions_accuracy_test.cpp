@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "pmml/distribution_tolerances.h"
-#include "pmml/distributions.h"
+#include "tsxml/pmml/distributions.h"
 
 namespace {
 

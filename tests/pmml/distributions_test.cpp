@@ -1,7 +1,7 @@
 // Edges, status codes and invariants of the distribution functions; their
 // accuracy over grids is compared with Boost.Math in
 // distributions_accuracy_test.cpp.
-#include "pmml/distributions.h"
+#include "tsxml/pmml/distributions.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@
 #include <limits>
 #include <vector>
 
-#include "modelapi/missing_value.h"
+#include "tsxml/modelapi/missing_value.h"
 #include "pmml/distribution_tolerances.h"
 
 namespace {

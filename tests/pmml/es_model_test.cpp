@@ -5,11 +5,11 @@
 #include <limits>
 #include <string>
 
-#include "modelapi/forecast_model.h"
-#include "pmml/pmml_document.h"
+#include "tsxml/modelapi/forecast_model.h"
+#include "tsxml/pmml/pmml_document.h"
 #include "pmml_test_util.h"
 #include "support/model_fixtures.h"
-#include "xml/number_text.h"
+#include "tsxml/xml/number_text.h"
 
 namespace {
 

@@ -1,7 +1,7 @@
 // The record of the model added last: statistics by key, t statistics and
 // what a later Fill keeps. Which estimate each row reads shows in the texts
 // of es_model_test.cpp.
-#include "pmml/model_summary.h"
+#include "tsxml/pmml/model_summary.h"
 
 #include <gtest/gtest.h>
 
@@ -9,10 +9,10 @@
 #include <utility>
 #include <vector>
 
-#include "modelapi/forecast_model.h"
-#include "modelapi/stat_util.h"
+#include "tsxml/modelapi/forecast_model.h"
+#include "tsxml/modelapi/stat_util.h"
 #include "support/model_fixtures.h"
-#include "tree/dictionary_refs.h"
+#include "tsxml/tree/dictionary_refs.h"
 
 namespace {
 

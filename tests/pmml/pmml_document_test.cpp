@@ -1,6 +1,6 @@
 // The PMML document as a whole: root, Header, the two forms of
 // DataDictionary, the order of the models, and the tree's PMML mode.
-#include "pmml/pmml_document.h"
+#include "tsxml/pmml/pmml_document.h"
 
 #include <gtest/gtest.h>
 
@@ -9,15 +9,15 @@
 #include <string>
 #include <utility>
 
-#include "datespec/date_spec.h"
-#include "modelapi/forecast_model.h"
-#include "native/date_spec_element.h"
+#include "tsxml/datespec/date_spec.h"
+#include "tsxml/modelapi/forecast_model.h"
+#include "tsxml/native/date_spec_element.h"
 #include "pmml_test_util.h"
 #include "support/date_spec_fixtures.h"
 #include "support/model_fixtures.h"
-#include "tree/date_spec_entry.h"
-#include "tree/tsxml_tree.h"
-#include "tree/tsxml_tree_imp.h"
+#include "tsxml/tree/date_spec_entry.h"
+#include "tsxml/tree/tsxml_tree.h"
+#include "tsxml/tree/tsxml_tree_imp.h"
 
 namespace {
 

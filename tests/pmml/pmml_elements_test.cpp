@@ -1,6 +1,6 @@
 // The small builders, at the edges that the documents of the other tests do
 // not reach: empty names and values, missing numbers and empty arrays.
-#include "pmml/pmml_elements.h"
+#include "tsxml/pmml/pmml_elements.h"
 
 #include <gtest/gtest.h>
 
@@ -10,9 +10,9 @@
 #include <valarray>
 #include <vector>
 
-#include "modelapi/missing_value.h"
+#include "tsxml/modelapi/missing_value.h"
 #include "support/model_fixtures.h"
-#include "xml/number_text.h"
+#include "tsxml/xml/number_text.h"
 
 namespace {
 

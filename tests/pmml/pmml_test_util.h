@@ -7,8 +7,8 @@
 #include <string>
 #include <valarray>
 
-#include "modelapi/forecast_model.h"
-#include "pmml/pmml_document.h"
+#include "tsxml/modelapi/forecast_model.h"
+#include "tsxml/pmml/pmml_document.h"
 #include "support/model_fixtures.h"
 
 namespace pmml_test {

@@ -12,12 +12,12 @@
 #include <sstream>
 #include <string>
 
-#include "datespec/date_spec.h"
-#include "modelapi/forecast_model.h"
+#include "tsxml/datespec/date_spec.h"
+#include "tsxml/modelapi/forecast_model.h"
 #include "pmml_test_util.h"
 #include "support/date_spec_fixtures.h"
-#include "tree/tsxml_tree.h"
-#include "xml/number_text.h"
+#include "tsxml/tree/tsxml_tree.h"
+#include "tsxml/xml/number_text.h"
 
 #ifndef TSXML_PMML_SCHEMA
 #error "TSXML_PMML_SCHEMA must name the PMML 4.2 schema file"

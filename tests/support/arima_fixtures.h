@@ -7,7 +7,7 @@
 #include <utility>
 #include <valarray>
 
-#include "modelapi/forecast_model.h"
+#include "tsxml/modelapi/forecast_model.h"
 #include "support/model_fixtures.h"
 
 namespace testing_support {

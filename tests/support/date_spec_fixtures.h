@@ -2,7 +2,7 @@
 #ifndef TSXML_TESTS_SUPPORT_DATE_SPEC_FIXTURES_H
 #define TSXML_TESTS_SUPPORT_DATE_SPEC_FIXTURES_H
 
-#include "datespec/date_spec.h"
+#include "tsxml/datespec/date_spec.h"
 
 namespace testing_support {
 

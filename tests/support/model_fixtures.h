@@ -8,8 +8,8 @@
 #include <valarray>
 #include <vector>
 
-#include "modelapi/forecast_model.h"
-#include "xml/xml_node.h"
+#include "tsxml/modelapi/forecast_model.h"
+#include "tsxml/xml/xml_node.h"
 
 namespace testing_support {
 

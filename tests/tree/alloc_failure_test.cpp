@@ -6,12 +6,12 @@
 #include <ostream>
 #include <sstream>
 
-#include "modelapi/forecast_model.h"
+#include "tsxml/modelapi/forecast_model.h"
 #include "support/arima_fixtures.h"
 #include "support/date_spec_fixtures.h"
 #include "support/failing_allocator.h"
 #include "support/model_fixtures.h"
-#include "tree/tsxml_tree.h"
+#include "tsxml/tree/tsxml_tree.h"
 
 namespace {
 

@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "modelapi/forecast_model.h"
+#include "tsxml/modelapi/forecast_model.h"
 #include "support/arima_fixtures.h"
 #include "support/model_fixtures.h"
-#include "tree/model_xml_tree_maker.h"
-#include "tree/tsxml_tree.h"
+#include "tsxml/tree/model_xml_tree_maker.h"
+#include "tsxml/tree/tsxml_tree.h"
 #include "tree_test_util.h"
 
 namespace {

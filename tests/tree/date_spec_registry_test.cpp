@@ -4,11 +4,11 @@
 
 #include <sstream>
 
-#include "datespec/date_spec.h"
+#include "tsxml/datespec/date_spec.h"
 #include "support/date_spec_fixtures.h"
 #include "support/model_fixtures.h"
-#include "tree/tsxml_tree.h"
-#include "tree/tsxml_tree_imp.h"
+#include "tsxml/tree/tsxml_tree.h"
+#include "tsxml/tree/tsxml_tree_imp.h"
 #include "tree_test_util.h"
 
 namespace {

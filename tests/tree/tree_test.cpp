@@ -2,11 +2,11 @@
 
 #include <sstream>
 
-#include "modelapi/forecast_model.h"
+#include "tsxml/modelapi/forecast_model.h"
 #include "support/model_fixtures.h"
-#include "tree/model_xml_tree_maker.h"
-#include "tree/tsxml_tree.h"
-#include "tree/tsxml_tree_imp.h"
+#include "tsxml/tree/model_xml_tree_maker.h"
+#include "tsxml/tree/tsxml_tree.h"
+#include "tsxml/tree/tsxml_tree_imp.h"
 #include "tree_test_util.h"
 
 namespace {

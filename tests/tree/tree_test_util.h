@@ -8,7 +8,7 @@
 #include <string>
 
 #include "support/model_fixtures.h"
-#include "tree/tsxml_tree.h"
+#include "tsxml/tree/tsxml_tree.h"
 
 namespace tree_testing {
 

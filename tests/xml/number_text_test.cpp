@@ -1,4 +1,4 @@
-#include "xml/number_text.h"
+#include "tsxml/xml/number_text.h"
 
 #include <gtest/gtest.h>
 
@@ -16,8 +16,8 @@
 #include <string>
 #include <vector>
 
-#include "xml/internal/number_format.h"
-#include "xml/xml_node.h"
+#include "tsxml/xml/internal/number_format.h"
+#include "tsxml/xml/xml_node.h"
 #include "xml_reference.h"
 
 namespace OstraTimeXML {

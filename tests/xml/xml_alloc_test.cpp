@@ -10,7 +10,7 @@
 #include <string>
 
 #include "support/failing_allocator.h"
-#include "xml/xml_node.h"
+#include "tsxml/xml/xml_node.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "xml/xml_node.h"
+#include "tsxml/xml/xml_node.h"
 
 #include <gtest/gtest.h>
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "xml/xml_node.h"
+#include "tsxml/xml/xml_node.h"
 #include "xml_reference.h"
 
 namespace OstraTimeXML {

@@ -1,0 +1,14 @@
+#include "tsxml/modelapi/stat_util.h"
+
+#include "tsxml/modelapi/missing_value.h"
+#include "tsxml/pmml/distributions.h"
+
+namespace TSStatUtil {
+
+double CDFStudentsT(double t, double df) {
+  int status = 0;
+  const double p = TSXStudentTCDF(t, df, status);
+  return status == 0 ? p : MV::gMissingValue;
+}
+
+}  // namespace TSStatUtil

@@ -1,0 +1,55 @@
+// Transformations of a series and the shared enumerations of the model library.
+#ifndef TSXML_MODELAPI_TRANSFORM_H
+#define TSXML_MODELAPI_TRANSFORM_H
+
+#include "tsxml/tsxml_export.h"
+
+namespace BFSharedConst {
+
+// Goodness-of-fit statistics. 10 to 13 are not used.
+enum GOFStatType : int {
+  MSE = 0,
+  RMSE = 1,
+  MAPE = 2,
+  MAE = 3,
+  MAXAPE = 4,
+  MAXAE = 5,
+  RSQ = 6,
+  NRMBIC = 7,
+  RMSPE = 8,
+  LOGLK = 9,
+  AIC = 14,
+  BIC = 15,
+  SRSQ = 16,
+};
+inline constexpr int kGOFStatTypeCount = 17;
+
+// The transformation applied to a series before fitting.
+enum TSFunctionType : unsigned {
+  NoTransform = 0,
+  Logarithm = 1,
+  SquareRoot = 2,
+};
+
+}  // namespace BFSharedConst
+
+// A transformation as a model specification holds it; `function` first.
+struct TSXML_API TSTransformSpec {
+  TSTransformSpec() = default;
+  explicit TSTransformSpec(unsigned functionType) : function(functionType) {}
+
+  unsigned function = BFSharedConst::NoTransform;
+};
+
+// The transformation of a fitted series, as model properties report it.
+class TSXML_API TSTransformation {
+ public:
+  TSTransformation() = default;
+  explicit TSTransformation(unsigned functionType) : function_(functionType) {}
+  unsigned GetFunctionType() const { return function_; }
+
+ private:
+  unsigned function_ = BFSharedConst::NoTransform;
+};
+
+#endif  // TSXML_MODELAPI_TRANSFORM_H

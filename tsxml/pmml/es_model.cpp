@@ -1,0 +1,202 @@
+// The "TimeSeriesModel" element of an exponential smoothing model.
+#include <memory>
+#include <vector>
+
+#include "tsxml/modelapi/estimation_info.h"
+#include "tsxml/modelapi/forecast_state.h"
+#include "tsxml/modelapi/missing_value.h"
+#include "tsxml/pmml/pmml_document.h"
+#include "tsxml/pmml/pmml_elements.h"
+
+namespace tsxml {
+
+namespace {
+
+// Below this smoothing weight the Brown trend has no "Array".
+constexpr double kMinBrownAlpha = 1e-7;
+
+bool HasTrendState(int type) {
+  return type != ESModelSpec::ESSimpleSeasonal && type != ESModelSpec::ESSimple;
+}
+
+// What the final smoothing state can give; a missing value drops the parts
+// that depend on it.
+struct StatePresence {
+  StatePresence(const WIESSmState& state, int type) {
+    level = !MV::IsMissing(state.level);
+    trend = level && HasTrendState(type) && !MV::IsMissing(state.trend);
+    const bool complete =
+        level && (!HasTrendState(type) || !MV::IsMissing(state.trend));
+    season = complete && state.CycleLength() >= 2;
+    for (const double value : state.seasonal) {
+      if (MV::IsMissing(value)) season = false;
+    }
+  }
+
+  bool level;
+  bool trend;
+  bool season;
+};
+
+// The estimate of the damping parameter; missing without a valid position.
+double Phi(const ESModelSpec& spec, const std::valarray<double>& estimates) {
+  const int index = spec.GetESParameterIndex(ESModelSpec::DampingTrend);
+  return index >= 0 && static_cast<size_t>(index) < estimates.size()
+             ? estimates[index]
+             : MV::gMissingValue;
+}
+
+// The "trend" attribute of each model type and what follows it.
+void AddTrendForm(XMLElement& trend, int type, double phi, double alpha,
+                  const WIESSmState& state) {
+  switch (type) {
+    case ESModelSpec::ESAdditiveWinters:
+    case ESModelSpec::ESHolt:
+    case ESModelSpec::ESMultiplicativeWinters:
+      trend.AddAttribute("trend", "additive");
+      break;
+    case ESModelSpec::ESDampedTrend:
+      trend.AddAttribute("trend", "damped_additive");
+      trend.AddAttribute("phi", phi);
+      break;
+    case ESModelSpec::ESBrown:
+      trend.AddAttribute("trend", "polynomial_exponential");
+      if (alpha > kMinBrownAlpha) {
+        AddRealArray(trend, std::vector<double>{
+                                state.trend / alpha + state.level - state.trend,
+                                state.trend});
+      }
+      break;
+    default:
+      break;
+  }
+}
+
+// The seasonality "type" of each seasonal model type; empty for the others.
+const char* SeasonalityType(int type) {
+  switch (type) {
+    case ESModelSpec::ESAdditiveWinters:
+    case ESModelSpec::ESSimpleSeasonal:
+      return "additive";
+    case ESModelSpec::ESMultiplicativeWinters:
+      return "multiplicative";
+    default:
+      return "";
+  }
+}
+
+void AddTimeSeries(XMLElement& model, const std::valarray<double>& history) {
+  XMLElement* series = AddChildElement(model, "TimeSeries");
+  series->AddAttribute("usage", "logical");
+  series->AddAttribute("startTime", "1");
+  series->AddAttribute("endTime", static_cast<double>(history.size()));
+  series->AddAttribute("interpolationMethod", "none");
+  AddChildElement(*series, "TimeAnchor");
+  for (size_t i = 0; i < history.size(); ++i) {
+    XMLElement* value = AddChildElement(*series, "TimeValue");
+    value->AddAttribute("index", static_cast<double>(i + 1));
+    value->AddAttribute("value", history[i]);
+  }
+}
+
+}  // namespace
+
+XMLElement* TSXPMMLDocument::BuildESModel(
+    const TSXModelSummary& summary, const ESModelSpec& spec,
+    const TSXDictionaryRefs& refs,
+    const std::valarray<double>& parameterEstimates,
+    const ESForecastState& forecastState, const EstimationInfo& estimationInfo,
+    const std::valarray<double>& history) const {
+  const WIESSmState& state = forecastState.GetSmState();
+  const int type = spec.GetESModelType();
+  const StatePresence present(state, type);
+
+  std::unique_ptr<XMLElement> model(XMLElement::Create("TimeSeriesModel"));
+  AddOptionalAttribute(*model, "modelName", refs.GetModelName());
+  model->AddAttribute("functionName", "timeSeries");
+  model->AddAttribute("algorithmName", "exponential smoothing");
+  model->AddAttribute("bestFit", "ExponentialSmoothing");
+
+  XMLElement* schema = AddChildElement(*model, "MiningSchema");
+  XMLElement* target = AddChildElement(*schema, "MiningField");
+  target->AddAttribute("name", summary.dependentVarID);  // even if empty
+  target->AddAttribute("usageType", "predicted");
+  AddMiningField(*schema, TimeFieldName(), "order");
+
+  if (esPMMLOutputTimeValue_ && history.size() != 0) {
+    AddTimeSeries(*model, history);
+  }
+
+  XMLElement* smoothing = AddChildElement(*model, "ExponentialSmoothing");
+  smoothing->AddAttribute("RMSE", summary.rmse);
+  smoothing->AddAttribute(
+      "transformation", TransformationName(spec.GetYTransformSpec().function));
+  double alpha = 0.0;
+  bool trendWritten = false;
+  for (size_t i = 0; i < summary.esParameterKinds.size(); ++i) {
+    const std::vector<double>* row = i < summary.esParameterRows.size()
+                                         ? &summary.esParameterRows[i]
+                                         : nullptr;
+    const double estimate = row && !row->empty()
+                                ? (*row)[TSXModelSummary::kEstimate]
+                                : MV::gMissingValue;
+    switch (summary.esParameterKinds[i]) {
+      case ESModelSpec::Level: {
+        XMLElement* level = AddChildElement(*smoothing, "Level");
+        level->AddAttribute("alpha", estimate);
+        if (present.level) level->AddAttribute("smoothedValue", state.level);
+        alpha = estimate;
+        break;
+      }
+      case ESModelSpec::Trend: {
+        XMLElement* trend = AddChildElement(*smoothing, "Trend_ExpoSmooth");
+        trend->AddAttribute("gamma", estimate);
+        if (present.trend) trend->AddAttribute("smoothedValue", state.trend);
+        AddTrendForm(*trend, type, Phi(spec, parameterEstimates), alpha, state);
+        trendWritten = true;
+        break;
+      }
+      case ESModelSpec::Season: {
+        XMLElement* season =
+            AddChildElement(*smoothing, "Seasonality_ExpoSmooth");
+        season->AddAttribute("delta", estimate);
+        season->AddAttribute("period",
+                             static_cast<double>(state.CycleLength()));
+        season->AddAttribute("unit", "month");
+        if (present.season) {
+          season->AddAttribute("phase", static_cast<double>(state.phase));
+        }
+        AddOptionalAttribute(*season, "type", SeasonalityType(type));
+        if (present.season) AddRealArray(*season, state.seasonal);
+        break;
+      }
+      default:  // the damping parameter is written as "phi" only
+        break;
+    }
+  }
+  if (!trendWritten && present.trend) {
+    XMLElement* trend = AddChildElement(*smoothing, "Trend_ExpoSmooth");
+    trend->AddAttribute("smoothedValue", state.trend);
+    AddTrendForm(*trend, type, Phi(spec, parameterEstimates), alpha, state);
+  }
+
+  const TSSpan& span = estimationInfo.GetSpan();
+  const WIESSmState& initial = forecastState.GetSmInitState();
+  AddValueExtension(*model, "errVariance", estimationInfo.GetErrorVariance());
+  AddValueExtension(*model, "degreesOfFreedom",
+                    static_cast<double>(estimationInfo.GetDegreesOfFreedom()));
+  AddValueExtension(*model, "periodStartIndex",
+                    static_cast<double>(span.Begin()));
+  AddValueExtension(*model, "periodLength", static_cast<double>(span.Length()));
+  AddValueExtension(*model, "initLevel", initial.Level());
+  if (HasTrendState(type)) {
+    AddValueExtension(*model, "initTrend", initial.Trend());
+  }
+  if (present.season) {
+    AddRealArray(*AddContainerExtension(*model, "initSeason"),
+                 initial.Season());
+  }
+  return model.release();
+}
+
+}  // namespace tsxml

@@ -1,0 +1,207 @@
+#include "tsxml/pmml/pmml_document.h"
+
+#include <ostream>
+#include <utility>
+
+#include "tsxml/datespec/date_spec.h"
+#include "tsxml/modelapi/forecast_state.h"
+#include "tsxml/native/vendor.h"
+#include "tsxml/pmml/pmml_elements.h"
+#include "tsxml/xml/internal/document_output.h"
+
+namespace tsxml {
+
+using OstraTimeXML::ExportFormat;
+using OstraTimeXML::internal::ChildLoan;
+using OstraTimeXML::internal::kXMLDeclaration;
+using OstraTimeXML::internal::kXMLDeclarationLength;
+
+namespace {
+
+// The published names of the PMML 4.2 standard and of its publisher.
+constexpr char kPMMLNamespaceURI[] = "http://www.dmg.org/PMML-4_2";
+constexpr char kPMMLSchemaFile[] = "pmml-4-2.xsd";
+constexpr char kDefaultCopyright[] = "www.dmg.org";
+
+// The time field of each date specification period type.
+struct TimeField {
+  const char* name;
+  const char* type;
+};
+constexpr TimeField kTimeFields[] = {
+    {"SimpleSequence", "time"},  // 0
+    {"Cycle", "date"},           // 1
+    {"Year", "date"},            // 2
+    {"Quarter", "date"},         // 3
+    {"Month", "date"},           // 4
+    {"Week", "date"},            // 5
+    {"Day", "date"},             // 6
+    {"Hour", "time"},            // 7
+    {"Minute", "time"},          // 8
+    {"Second", "time"},          // 9
+    {"Obs", "time"},             // 10
+};
+
+const std::string& DefaultTimeFieldName() {
+  static const std::string name = "Month";
+  return name;
+}
+
+const std::string& DefaultTimeFieldType() {
+  static const std::string type = "date";
+  return type;
+}
+
+// A continuous "DataField" with all four attributes, also when `name` is
+// empty.
+void AddFullDataField(XMLElement& dictionary, const std::string& name,
+                      const std::string& dataType) {
+  std::unique_ptr<XMLElement> field(XMLElement::Create("DataField"));
+  field->AddAttribute("dataType", dataType);
+  field->AddAttribute("optype", "continuous");
+  field->AddAttribute("name", name);
+  field->AddAttribute("displayName", name);
+  dictionary.AddElement(field.release());
+}
+
+}  // namespace
+
+bool TimeFieldOfPeriod(int periodType, std::string& name, std::string& type) {
+  constexpr int kCount = sizeof kTimeFields / sizeof kTimeFields[0];
+  if (periodType < 0 || periodType >= kCount) return false;
+  name = kTimeFields[periodType].name;
+  type = kTimeFields[periodType].type;
+  return true;
+}
+
+bool TimeFieldOfDateSpec(const TSXDateSpec& spec, std::string& name,
+                         std::string& type) {
+  bool found = false;
+  for (unsigned i = 0; i < spec.PeriodCount(); ++i) {
+    TSXDateSpec::PeriodType periodType = TSXDateSpec::SimpleSequence;
+    unsigned cycleLength = 0, subCycleStart = 0, subCycleLength = 0;
+    spec.GetPeriod(i, periodType, cycleLength, subCycleStart, subCycleLength);
+    if (TimeFieldOfPeriod(periodType, name, type)) found = true;
+  }
+  return found;
+}
+
+TSXPMMLDocument::TSXPMMLDocument()
+    : applicationName_("TimeSeriesApp"),
+      applicationVersion_("4.0"),
+      last_(std::make_unique<LastModel>()) {}
+
+TSXPMMLDocument::~TSXPMMLDocument() {
+  for (XMLElement* element : modelElements_) delete element;
+}
+
+void TSXPMMLDocument::SetApplication(std::string name, std::string version,
+                                     std::string copyright) {
+  if (name.empty()) return;
+  applicationName_ = std::move(name);
+  applicationVersion_ = std::move(version);
+  copyright_ = std::move(copyright);
+}
+
+void TSXPMMLDocument::SetDateFieldName(std::string name) {
+  dateFieldName_ = std::move(name);
+}
+
+void TSXPMMLDocument::SetDateFieldType(std::string type) {
+  dateFieldType_ = std::move(type);
+}
+
+void TSXPMMLDocument::SetDateField(std::string name,
+                                   std::string type) noexcept {
+  dateFieldName_ = std::move(name);
+  dateFieldType_ = std::move(type);
+}
+
+bool TSXPMMLDocument::AddModel(const TSFModel& model,
+                               const TSXDictionaryRefs& refs,
+                               const std::valarray<double>& history) {
+  // Built aside and swapped in last, so that a failure changes nothing.
+  auto last = std::make_unique<LastModel>(*last_);
+  last->dictionaryRefs = refs;
+  last->summary.Fill(model, refs, history);
+  const TSFModelImp* imp = model.GetImp();
+  const auto* state = dynamic_cast<const ESForecastState*>(
+      imp ? imp->GetForecastState() : nullptr);
+  last->lastModelIsES = state != nullptr;
+
+  std::unique_ptr<XMLElement> element;
+  if (state) {
+    element.reset(BuildESModel(last->summary, state->GetESModelSpec(), refs,
+                               state->GetParameters(), *state,
+                               imp->GetEstimationInfo(), history));
+    modelElements_.reserve(modelElements_.size() + 1);
+    modelElements_.push_back(element.release());  // no throw after reserve
+  }
+  last_.swap(last);
+  return true;
+}
+
+const XMLElement* TSXPMMLDocument::GetModelElement(size_t index) const {
+  return index < modelElements_.size() ? modelElements_[index] : nullptr;
+}
+
+bool TSXPMMLDocument::Write(std::ostream& stream, bool complete,
+                            XMLElement* dateSpecExtension) {
+  std::unique_ptr<XMLElement> extension(dateSpecExtension);
+  std::unique_ptr<XMLElement> root(MakeRoot());
+  AddDataDictionary(*root, std::move(extension));
+  // The loan ends before the root goes: the model elements stay here.
+  ChildLoan loan(*root, modelElements_);
+  if (complete) stream.write(kXMLDeclaration, kXMLDeclarationLength);
+  ExportFormat format;
+  root->ToStream(stream, format, false);
+  return true;
+}
+
+XMLElement* TSXPMMLDocument::MakeRoot() const {
+  std::unique_ptr<XMLElement> root(XMLElement::Create("PMML"));
+  root->AddAttribute("version", "4.2");
+  root->AddAttribute("xmlns", kPMMLNamespaceURI);
+  root->AddAttribute("xmlns:xsi", kXsiNamespaceURI);
+  root->AddAttribute("xsi:schemaLocation",
+                     std::string(kPMMLNamespaceURI) + " " + kPMMLSchemaFile);
+  XMLElement* header = AddChildElement(
+      *root, "Header", "copyright",
+      copyright_.empty() ? std::string(kDefaultCopyright) : copyright_);
+  AddChildElement(*header, "Application", "name", applicationName_, "version",
+                  applicationVersion_);
+  return root.release();
+}
+
+void TSXPMMLDocument::AddDataDictionary(
+    XMLElement& root, std::unique_ptr<XMLElement> dateSpecExtension) const {
+  XMLElement* dictionary = AddChildElement(root, "DataDictionary");
+  const TSXDictionaryRefs& refs = last_->dictionaryRefs;
+  if (!last_->lastModelIsES) {
+    AddDataField(*dictionary, refs.GetDependentVarID());
+    for (const std::string& id : refs.GetPredictorIDs()) {
+      AddDataField(*dictionary, id);
+    }
+    AddIntegerAttribute(*dictionary, "numberOfFields",
+                        static_cast<int>(refs.GetPredictorIDs().size() + 1));
+    return;  // the ARIMA form drops the date specifications
+  }
+  if (dateSpecExtension) dictionary->AddElement(dateSpecExtension.release());
+  dictionary->AddAttribute("numberOfFields", "2");
+  AddFullDataField(*dictionary, refs.GetDependentVarID(), "double");
+  AddFullDataField(*dictionary, TimeFieldName(), TimeFieldType());
+}
+
+const std::string& TSXPMMLDocument::TimeFieldName() const {
+  return dateFieldName_.empty() || dateFieldType_.empty()
+             ? DefaultTimeFieldName()
+             : dateFieldName_;
+}
+
+const std::string& TSXPMMLDocument::TimeFieldType() const {
+  return dateFieldName_.empty() || dateFieldType_.empty()
+             ? DefaultTimeFieldType()
+             : dateFieldType_;
+}
+
+}  // namespace tsxml

@@ -1,0 +1,128 @@
+// TSXPMMLDocument: gathers the "TimeSeriesModel" elements of one PMML 4.2
+// document and writes the whole document, with its "Header" and
+// "DataDictionary", to a stream.
+#ifndef TSXML_PMML_PMML_DOCUMENT_H
+#define TSXML_PMML_PMML_DOCUMENT_H
+
+#include <cstddef>
+#include <iosfwd>
+#include <memory>
+#include <string>
+#include <valarray>
+#include <vector>
+
+#include "tsxml/modelapi/model.h"
+#include "tsxml/pmml/model_summary.h"
+#include "tsxml/tree/dictionary_refs.h"
+#include "tsxml/xml/xml_node.h"
+
+class ESForecastState;
+class ESModelSpec;
+class EstimationInfo;
+class TSXDateSpec;
+
+namespace tsxml {
+
+using OstraTimeXML::XMLElement;
+
+// The time field of a date specification period type, such as "Month" and
+// "date"; false, with `name` and `type` untouched, for a type outside 0..10.
+bool TimeFieldOfPeriod(int periodType, std::string& name, std::string& type);
+
+// The time field of the last period of `spec` whose type has one; false, with
+// `name` and `type` untouched, when no period has one.
+bool TimeFieldOfDateSpec(const TSXDateSpec& spec, std::string& name,
+                         std::string& type);
+
+// Owns the model elements it built and deletes them with itself. Nothing here
+// reports a failure; an allocation failure passes through and leaves the
+// document as it was.
+class TSXPMMLDocument {
+ public:
+  // Application "TimeSeriesApp" version "4.0", no copyright, no time field,
+  // TimeSeries on, and the exponential smoothing form of DataDictionary.
+  TSXPMMLDocument();
+  ~TSXPMMLDocument();
+  TSXPMMLDocument(const TSXPMMLDocument&) = delete;
+  TSXPMMLDocument& operator=(const TSXPMMLDocument&) = delete;
+
+  // Replaces all three strings when `name` is not empty (an empty version or
+  // copyright included); an empty `name` changes nothing.
+  void SetApplication(std::string name, std::string version,
+                      std::string copyright);
+
+  // The time field, such as "Month" and "date". Until both are set the
+  // documents name the field "Month", of type "date".
+  void SetDateFieldName(std::string name);
+  void SetDateFieldType(std::string type);
+  // Sets both at once; moves only, so nothing can fail.
+  void SetDateField(std::string name, std::string type) noexcept;
+
+  // Whether exponential smoothing models added from now on carry their
+  // observed series in a "TimeSeries" element.
+  void SetESPMMLOutputTimeValue(bool on) { esPMMLOutputTimeValue_ = on; }
+
+  // Adds the element of `model` and makes it the model that decides
+  // DataDictionary. Always true. Only a model with an exponential smoothing
+  // state gets an element: other models (and an empty one) select the ARIMA
+  // form of DataDictionary and add no element.
+  bool AddModel(const TSFModel& model, const TSXDictionaryRefs& refs,
+                const std::valarray<double>& history);
+
+  // Writes the document, with the XML declaration when `complete`. Takes
+  // `dateSpecExtension` (may be null), which becomes the first child of an
+  // exponential smoothing DataDictionary and is dropped by the ARIMA form.
+  // Always true. Writes are repeatable: the model elements are only lent to
+  // the root for the write, so a second write gives the same bytes.
+  bool Write(std::ostream& stream, bool complete,
+             XMLElement* dateSpecExtension);
+
+  // The model elements in the order of adding; null past the end. The
+  // document keeps ownership.
+  size_t GetModelElementCount() const { return modelElements_.size(); }
+  const XMLElement* GetModelElement(size_t index) const;
+
+ private:
+  // What the model added last decides; replaced as a whole by each add.
+  struct LastModel {
+    TSXModelSummary summary;
+    TSXDictionaryRefs dictionaryRefs;
+    bool lastModelIsES = true;
+  };
+
+  // The "TimeSeriesModel" element of an exponential smoothing model, from
+  // `summary` and the document's time field and TimeSeries flag. A missing
+  // value in the final state drops what depends on it; any other missing
+  // value is written as its number text, and so is "phi" of a damped trend
+  // model whose specification has no damping parameter. Caller owns the
+  // result.
+  XMLElement* BuildESModel(const TSXModelSummary& summary,
+                           const ESModelSpec& spec,
+                           const TSXDictionaryRefs& refs,
+                           const std::valarray<double>& parameterEstimates,
+                           const ESForecastState& forecastState,
+                           const EstimationInfo& estimationInfo,
+                           const std::valarray<double>& history) const;
+
+  // The root "PMML" with its "Header". Caller owns the result.
+  XMLElement* MakeRoot() const;
+  // Adds "DataDictionary" in the form that the model added last selects.
+  void AddDataDictionary(XMLElement& root,
+                         std::unique_ptr<XMLElement> dateSpecExtension) const;
+  // The time field of the documents: the one set, or "Month" of type "date".
+  const std::string& TimeFieldName() const;
+  const std::string& TimeFieldType() const;
+
+  std::string applicationName_;
+  std::string applicationVersion_;
+  std::string copyright_;
+  std::string dateFieldName_;
+  std::string dateFieldType_;
+  std::vector<XMLElement*> modelElements_;  // owned
+  std::unique_ptr<LastModel> last_;         // never null
+  bool esPMMLOutputTimeValue_ = true;
+};
+
+}  // namespace tsxml
+
+#endif  // TSXML_PMML_PMML_DOCUMENT_H

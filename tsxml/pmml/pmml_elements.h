@@ -1,0 +1,88 @@
+// Small builders of the PMML document: number text for optional attributes,
+// the PMML "Array", the two forms of "Extension", the field elements, and the
+// tables that turn the model library's enumerations into PMML words. Each
+// hangs what it makes under the element it is given, which owns it from then
+// on; none keeps state.
+#ifndef TSXML_PMML_PMML_ELEMENTS_H
+#define TSXML_PMML_PMML_ELEMENTS_H
+
+#include <cstddef>
+#include <string>
+#include <valarray>
+#include <vector>
+
+#include "tsxml/xml/xml_node.h"
+
+namespace tsxml {
+
+using OstraTimeXML::XMLElement;
+
+// The text of `value` for an optional attribute: empty for the missing value,
+// else the number text (infinities and NaN as the standard library prints
+// them).
+std::string PMMLNumberText(double value);
+
+// Adds name="value" unless `name` or `value` is empty.
+void AddOptionalAttribute(XMLElement& element, std::string name,
+                          std::string value);
+
+// Adds the number text of `value`; 0 is written as "0".
+void AddIntegerAttribute(XMLElement& element, std::string name, int value);
+
+// Adds the number text of `value`; nothing for the missing value.
+void AddDoubleAttribute(XMLElement& element, std::string name, double value);
+
+// Adds element `elementName` to `parent` with those of the five pairs whose
+// name and value are both not empty, in order. Returns the new element, which
+// `parent` owns.
+XMLElement* AddChildElement(XMLElement& parent, std::string elementName,
+                            std::string name1 = "", std::string value1 = "",
+                            std::string name2 = "", std::string value2 = "",
+                            std::string name3 = "", std::string value3 = "",
+                            std::string name4 = "", std::string value4 = "",
+                            std::string name5 = "", std::string value5 = "");
+
+// Adds "MiningField" with "name" and "usageType", each unless empty.
+void AddMiningField(XMLElement& parent, std::string name,
+                    std::string usageType);
+
+// Adds a continuous "DataField" of type double; "name" and "displayName" are
+// left out when `name` is empty.
+void AddDataField(XMLElement& parent, std::string name);
+
+// Adds "Extension" with "extender", "name" (even if empty) and "value", the
+// number text of `value` (also for the missing value).
+void AddValueExtension(XMLElement& parent, std::string name, double value);
+
+// Adds "Extension" with "extender" and, unless empty, "name". Returns it for
+// the caller to fill; `parent` owns it.
+XMLElement* AddContainerExtension(XMLElement& parent, std::string name);
+
+// Adds one text node with the blank-separated values: "NaN" for a missing
+// value, the number text otherwise (infinities are not replaced). Nothing for
+// a null pointer or a count of 0.
+void AddDoubleListText(XMLElement& element, const double* values, size_t count);
+
+// Adds "Array" with "n" and type "real" holding `values` (no text when there
+// are none). Returns it; `parent` owns it.
+XMLElement* AddRealArray(XMLElement& parent,
+                         const std::valarray<double>& values);
+XMLElement* AddRealArray(XMLElement& parent, const std::vector<double>& values);
+
+// Adds element `elementName` holding one AddRealArray of `values`. Returns
+// the wrapper; `parent` owns it.
+XMLElement* AddArrayElement(XMLElement& parent, std::string elementName,
+                            const std::valarray<double>& values);
+XMLElement* AddArrayElement(XMLElement& parent, std::string elementName,
+                            const std::vector<double>& values);
+
+// "logarithmic" for 1, "squareroot" for 2, "none" for any other kind.
+std::string TransformationName(unsigned kind);
+
+// The word of outlier types 0 to 7; empty for any other type, so that the
+// attribute is left out.
+std::string OutlierTypeName(unsigned type);
+
+}  // namespace tsxml
+
+#endif  // TSXML_PMML_PMML_ELEMENTS_H

@@ -1,0 +1,73 @@
+// TSXMLTree: the library's entry point. A host makes a tree, chooses the
+// output mode, registers date specifications, adds fitted models with their
+// dictionary references, and writes one document to a stream it owns.
+//
+//   TSXMLTree tree;
+//   tree.SetApplication("Forecaster", "2.1", "");
+//   tree.AddModelTree(model, TSXDictionaryRefs("Sales", "", "sales"));
+//   tree.WriteToStream(std::cout);
+#ifndef TSXML_TREE_TSXML_TREE_H
+#define TSXML_TREE_TSXML_TREE_H
+
+#include <iosfwd>
+#include <string>
+
+#include "tsxml/modelapi/croston_model.h"
+#include "tsxml/modelapi/model.h"
+#include "tsxml/datespec/date_spec.h"
+#include "tsxml/tree/dictionary_refs.h"
+#include "tsxml/tsxml_export.h"
+
+class TSXMLTreeImp;
+
+// A counted handle on a TSXMLTreeImp. Each handle holds one reference; the
+// last reference to go deletes the implementation. A handle on null answers
+// false or 0 to everything and does nothing.
+class TSXML_API TSXMLTree {
+ public:
+  // Makes a new, empty tree in native mode.
+  TSXMLTree();
+  // Adopts `imp` (may be null) and takes a reference on it.
+  explicit TSXMLTree(TSXMLTreeImp* imp);
+  TSXMLTree(const TSXMLTree& other);
+  TSXMLTree& operator=(const TSXMLTree& other);
+  ~TSXMLTree();
+
+  // Name, version and copyright of the writing application. An empty name
+  // clears all three.
+  void SetApplication(std::string name, std::string version,
+                      std::string copyright);
+
+  // Selects PMML output for the models added and the write that follow.
+  void SetPMMLOutput(bool on);
+  // Whether exponential smoothing models added in PMML mode from now on carry
+  // their observed series ("TimeSeries"); on by default.
+  void SetESPMMLOutputTimeValue(bool on);
+
+  // Adds a fitted model; false when the references don't fit the model or
+  // the model can't be written. A failed add leaves the tree unchanged. In
+  // PMML mode every model is taken (true) and the references aren't checked.
+  bool AddModelTree(TSFModel model, const TSXDictionaryRefs& refs);
+  // Adds a Croston model to the native document whatever the output mode;
+  // false, with the tree unchanged, when the references fail (they must name
+  // no predictor) or the handle is empty.
+  bool AddModelTree(TSFCrModel model, const TSXDictionaryRefs& refs);
+
+  // Registers a date specification (a deep copy) and returns the identifier
+  // to give TSXDictionaryRefs::SetDateSpecID; an equivalent specification
+  // registered before keeps its identifier and descriptor. 0 on a null handle.
+  int AddDateSpec(const TSXDateSpec& spec, std::string descriptor);
+
+  // The number of models waiting for a native write.
+  int GetModelCount() const;
+
+  // Writes the whole document; false when there is nothing to write. In PMML
+  // mode always true: the document is written also without models, and a
+  // later write repeats it. The stream's state is not examined.
+  bool WriteToStream(std::ostream& os);
+
+ private:
+  TSXMLTreeImp* imp_;
+};
+
+#endif  // TSXML_TREE_TSXML_TREE_H
