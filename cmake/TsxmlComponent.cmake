@@ -8,11 +8,15 @@ function(tsxml_warnings target)
   endif()
 endfunction()
 
-# tsxml_component(<name> SOURCES <files...> HEADERS <files...>)
+# tsxml_component(<name> SOURCES <files...> [HEADERS <files...>] [DEPENDS <components...>])
 # Compiles a folder's sources once, as the object library tsxml_<name>, with
-# the library's visibility rules. HEADERS are the folder's installed headers.
+# the library's visibility rules. HEADERS are the folder's installed headers;
+# DEPENDS names the components below it whose headers it includes. The
+# components it uses, directly or through others, are kept in the property
+# TSXML_CLOSURE_<name>, so that a program links exactly what one component
+# needs.
 function(tsxml_component name)
-  cmake_parse_arguments(C "" "" "SOURCES;HEADERS" ${ARGN})
+  cmake_parse_arguments(C "" "" "SOURCES;HEADERS;DEPENDS" ${ARGN})
   add_library(tsxml_${name} OBJECT ${C_SOURCES})
   target_include_directories(tsxml_${name} PUBLIC ${PROJECT_SOURCE_DIR})
   target_compile_definitions(tsxml_${name} PRIVATE TSXML_BUILDING)
@@ -24,6 +28,19 @@ function(tsxml_component name)
     CXX_VISIBILITY_PRESET hidden
     VISIBILITY_INLINES_HIDDEN ON)
   tsxml_warnings(tsxml_${name})
+
+  set(closure ${name})
+  foreach(dependency IN LISTS C_DEPENDS)
+    get_property(known GLOBAL PROPERTY TSXML_CLOSURE_${dependency} SET)
+    if(NOT known)
+      message(FATAL_ERROR "component ${name}: ${dependency} is not a component below it")
+    endif()
+    get_property(below GLOBAL PROPERTY TSXML_CLOSURE_${dependency})
+    list(APPEND closure ${below})
+  endforeach()
+  list(REMOVE_DUPLICATES closure)
+  set_property(GLOBAL PROPERTY TSXML_CLOSURE_${name} ${closure})
+
   set_property(GLOBAL APPEND PROPERTY TSXML_COMPONENTS ${name})
   foreach(header IN LISTS C_HEADERS)
     set_property(GLOBAL APPEND PROPERTY TSXML_PUBLIC_HEADERS
@@ -31,14 +48,15 @@ function(tsxml_component name)
   endforeach()
 endfunction()
 
-# tsxml_add_program(<name> SOURCES <files...> COMPONENTS <folders...> [LIBS <libs...>])
+# tsxml_add_program(<name> SOURCES <files...> COMPONENT <component> [LIBS <libs...>])
 # An executable of the project's own (a test, benchmark or fuzz target),
-# linked against the object libraries of the named folders, so that it
-# reaches internal helpers the shared library hides.
+# linked against the object libraries of `component` and of every component
+# it uses, so that it reaches internal helpers the shared library hides.
 function(tsxml_add_program name)
-  cmake_parse_arguments(P "" "" "SOURCES;COMPONENTS;LIBS" ${ARGN})
+  cmake_parse_arguments(P "" "COMPONENT" "SOURCES;LIBS" ${ARGN})
   add_executable(${name} ${P_SOURCES})
-  foreach(component IN LISTS P_COMPONENTS)
+  get_property(closure GLOBAL PROPERTY TSXML_CLOSURE_${P_COMPONENT})
+  foreach(component IN LISTS closure)
     target_link_libraries(${name} PRIVATE tsxml_${component})
   endforeach()
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)

@@ -21,7 +21,7 @@
 
 #include <cstddef>
 
-#include "tsxml/pmml/distributions.h"
+#include "tsxml/stats/distributions.h"
 
 #ifdef TSXML_HAVE_BOOST_MATH
 #include <boost/math/distributions/students_t.hpp>

@@ -16,7 +16,7 @@
 #include <variant>
 #include <vector>
 
-#include "tsxml/modelapi/missing_value.h"
+#include "tsxml/base/missing_value.h"
 #include "tsxml/objectstream/xml_obj.h"
 #include "tsxml/objectstream/xml_obj_reader.h"
 #include "tsxml/xml/number_text.h"

@@ -6,7 +6,7 @@
 
 #include "tsxml/modelapi/forecast_model.h"
 #include "support/model_fixtures.h"
-#include "tsxml/tree/dictionary_refs.h"
+#include "tsxml/base/dictionary_refs.h"
 
 namespace {
 

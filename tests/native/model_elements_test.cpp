@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "tsxml/modelapi/estimation_info.h"
-#include "tsxml/modelapi/missing_value.h"
+#include "tsxml/base/missing_value.h"
 #include "support/model_fixtures.h"
 
 namespace {

@@ -19,7 +19,7 @@
 #include <vector>
 
 #include "gtest/gtest.h"
-#include "tsxml/modelapi/missing_value.h"
+#include "tsxml/base/missing_value.h"
 #include "object_stream_test_util.h"
 #include "tsxml/objectstream/xml_obj.h"
 #include "tsxml/objectstream/xml_obj_reader.h"

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "gtest/gtest.h"
-#include "tsxml/modelapi/missing_value.h"
+#include "tsxml/base/missing_value.h"
 #include "object_stream_test_util.h"
 
 namespace {

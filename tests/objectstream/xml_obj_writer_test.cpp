@@ -4,7 +4,7 @@
 #include <string>
 
 #include "gtest/gtest.h"
-#include "tsxml/modelapi/missing_value.h"
+#include "tsxml/base/missing_value.h"
 #include "object_stream_test_util.h"
 #include "tsxml/objectstream/xml_obj.h"
 

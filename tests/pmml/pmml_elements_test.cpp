@@ -10,7 +10,7 @@
 #include <valarray>
 #include <vector>
 
-#include "tsxml/modelapi/missing_value.h"
+#include "tsxml/base/missing_value.h"
 #include "support/model_fixtures.h"
 #include "tsxml/xml/number_text.h"
 

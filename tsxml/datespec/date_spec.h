@@ -18,8 +18,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "tsxml/modelapi/status.h"
-#include "tsxml/tsxml_export.h"
+#include "tsxml/base/status.h"
+#include "tsxml/base/export.h"
 
 static_assert(sizeof(unsigned) == 4, "unsigned must be 32 bits");
 

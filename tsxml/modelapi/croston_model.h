@@ -8,7 +8,7 @@
 #include "tsxml/modelapi/forecast_state.h"
 #include "tsxml/modelapi/ref_counted.h"
 #include "tsxml/modelapi/transform.h"
-#include "tsxml/tsxml_export.h"
+#include "tsxml/base/export.h"
 
 // The fitted Croston model behind a TSFCrModel handle. Holds copies of its
 // three states.

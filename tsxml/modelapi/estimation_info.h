@@ -5,10 +5,10 @@
 #include <array>
 #include <cstdint>
 
-#include "tsxml/modelapi/missing_value.h"
+#include "tsxml/base/missing_value.h"
 #include "tsxml/modelapi/span.h"
 #include "tsxml/modelapi/transform.h"
-#include "tsxml/tsxml_export.h"
+#include "tsxml/base/export.h"
 
 // Every statistic starts missing (MV::gMissingValue) until it is set.
 class TSXML_API EstimationInfo {

@@ -1,9 +1,11 @@
 #include "tsxml/modelapi/forecast_state.h"
 
 #include "tsxml/modelapi/arima_state.h"
-#include "tsxml/tree/forecast_state_visitor.h"
+#include "tsxml/modelapi/forecast_state_visitor.h"
 
 ForecastState::~ForecastState() = default;
+
+ForecastStateVisitor::~ForecastStateVisitor() = default;
 
 void ESForecastState::Accept(ForecastStateVisitor& visitor) const {
   visitor.Visit(*this);

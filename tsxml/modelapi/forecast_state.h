@@ -9,7 +9,7 @@
 
 #include "tsxml/modelapi/model_spec.h"
 #include "tsxml/modelapi/span.h"
-#include "tsxml/tsxml_export.h"
+#include "tsxml/base/export.h"
 
 class ForecastStateVisitor;
 

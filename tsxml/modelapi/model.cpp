@@ -2,16 +2,6 @@
 
 #include "tsxml/modelapi/arima_state.h"
 
-TSRCObject::~TSRCObject() = default;
-
-void TSRCObject::addReference() const {
-  references_.fetch_add(1, std::memory_order_relaxed);
-}
-
-void TSRCObject::removeReference() const {
-  if (references_.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
-}
-
 TSFModelImp::TSFModelImp(std::unique_ptr<ForecastState> state,
                          const EstimationInfo& info,
                          const std::valarray<double>& history)

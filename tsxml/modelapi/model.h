@@ -13,7 +13,7 @@
 #include "tsxml/modelapi/forecast_state.h"
 #include "tsxml/modelapi/ref_counted.h"
 #include "tsxml/modelapi/transform.h"
-#include "tsxml/tsxml_export.h"
+#include "tsxml/base/export.h"
 
 // The fitted model behind a TSFModel handle. Owns its state.
 class TSXML_API TSFModelImp : public TSRCObject {

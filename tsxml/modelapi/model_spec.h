@@ -6,7 +6,7 @@
 #include <array>
 
 #include "tsxml/modelapi/transform.h"
-#include "tsxml/tsxml_export.h"
+#include "tsxml/base/export.h"
 
 // The boolean arguments of GetParameterCount and GetSeasonLength choose the
 // full count and the effective season length; this layer has no fixed

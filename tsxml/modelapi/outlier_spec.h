@@ -7,7 +7,7 @@
 #include <initializer_list>
 #include <vector>
 
-#include "tsxml/tsxml_export.h"
+#include "tsxml/base/export.h"
 
 // One outlier, by value: `type` first, the case where it starts second.
 // Types outside 1..7 are kept as given; readers skip them.

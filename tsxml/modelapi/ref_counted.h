@@ -4,7 +4,7 @@
 
 #include <atomic>
 
-#include "tsxml/tsxml_export.h"
+#include "tsxml/base/export.h"
 
 // Starts with no reference; the holder that takes the first reference owns
 // the object, and the last removeReference deletes it. The count is atomic.

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "tsxml/tsxml_export.h"
+#include "tsxml/base/export.h"
 
 // First case, number of cases, and how far a forecast state reaches beyond
 // the last case.

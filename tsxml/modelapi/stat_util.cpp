@@ -1,7 +1,7 @@
 #include "tsxml/modelapi/stat_util.h"
 
-#include "tsxml/modelapi/missing_value.h"
-#include "tsxml/pmml/distributions.h"
+#include "tsxml/base/missing_value.h"
+#include "tsxml/stats/distributions.h"
 
 namespace TSStatUtil {
 

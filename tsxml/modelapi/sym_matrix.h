@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <valarray>
 
-#include "tsxml/tsxml_export.h"
+#include "tsxml/base/export.h"
 
 // An n by n symmetric matrix kept as its lower triangle, row by row: element
 // (r, c) with c <= r is stored at r * (r + 1) / 2 + c. AsArray gives that

@@ -2,7 +2,7 @@
 #ifndef TSXML_MODELAPI_TRANSFORM_H
 #define TSXML_MODELAPI_TRANSFORM_H
 
-#include "tsxml/tsxml_export.h"
+#include "tsxml/base/export.h"
 
 namespace BFSharedConst {
 

@@ -5,9 +5,9 @@
 #include <string>
 
 #include "tsxml/modelapi/arima_spec.h"
-#include "tsxml/modelapi/missing_value.h"
+#include "tsxml/base/missing_value.h"
 #include "tsxml/native/model_elements.h"
-#include "tsxml/tree/dictionary_refs.h"
+#include "tsxml/base/dictionary_refs.h"
 
 namespace tsxml {
 

@@ -5,7 +5,7 @@
 
 #include "tsxml/modelapi/estimation_info.h"
 #include "tsxml/modelapi/forecast_state.h"
-#include "tsxml/modelapi/missing_value.h"
+#include "tsxml/base/missing_value.h"
 #include "tsxml/native/model_elements.h"
 
 namespace tsxml {

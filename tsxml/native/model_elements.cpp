@@ -3,8 +3,8 @@
 #include <memory>
 
 #include "tsxml/modelapi/estimation_info.h"
-#include "tsxml/modelapi/missing_value.h"
-#include "tsxml/tree/dictionary_refs.h"
+#include "tsxml/base/missing_value.h"
+#include "tsxml/base/dictionary_refs.h"
 #include "tsxml/xml/number_text.h"
 
 namespace tsxml {

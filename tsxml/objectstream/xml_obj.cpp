@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "tsxml/modelapi/missing_value.h"
+#include "tsxml/base/missing_value.h"
 #include "tsxml/xml/xml_node.h"
 
 namespace OstraTimeXML {

@@ -16,7 +16,7 @@
 #include <iosfwd>
 #include <string>
 
-#include "tsxml/tsxml_export.h"
+#include "tsxml/base/export.h"
 
 namespace OstraTimeXML {
 

@@ -9,7 +9,7 @@
 #include <sstream>
 #include <string>
 
-#include "tsxml/modelapi/missing_value.h"
+#include "tsxml/base/missing_value.h"
 #include "tsxml/objectstream/internal/line_tokenizer.h"
 
 namespace OstraTimeXML {

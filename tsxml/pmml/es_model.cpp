@@ -4,7 +4,7 @@
 
 #include "tsxml/modelapi/estimation_info.h"
 #include "tsxml/modelapi/forecast_state.h"
-#include "tsxml/modelapi/missing_value.h"
+#include "tsxml/base/missing_value.h"
 #include "tsxml/pmml/pmml_document.h"
 #include "tsxml/pmml/pmml_elements.h"
 

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "tsxml/modelapi/stat_util.h"
-#include "tsxml/tree/dictionary_refs.h"
+#include "tsxml/base/dictionary_refs.h"
 
 namespace tsxml {
 

@@ -9,7 +9,7 @@
 #include <valarray>
 #include <vector>
 
-#include "tsxml/modelapi/missing_value.h"
+#include "tsxml/base/missing_value.h"
 #include "tsxml/modelapi/model.h"
 
 class TSXDictionaryRefs;

@@ -5,7 +5,8 @@
 
 #include "tsxml/datespec/date_spec.h"
 #include "tsxml/modelapi/forecast_state.h"
-#include "tsxml/native/vendor.h"
+#include "tsxml/base/vendor.h"
+#include "tsxml/native/date_spec_element.h"
 #include "tsxml/pmml/pmml_elements.h"
 #include "tsxml/xml/internal/document_output.h"
 
@@ -84,6 +85,18 @@ bool TimeFieldOfDateSpec(const TSXDateSpec& spec, std::string& name,
     if (TimeFieldOfPeriod(periodType, name, type)) found = true;
   }
   return found;
+}
+
+XMLElement* MakeDateSpecExtension(
+    const std::deque<TSXDateSpecEntry>& dateSpecs) {
+  if (dateSpecs.empty()) return nullptr;
+  std::unique_ptr<XMLElement> extension(XMLElement::Create("Extension"));
+  for (const TSXDateSpecEntry& entry : dateSpecs) {
+    std::unique_ptr<XMLElement> dateSpec(MakeDateSpecificationElement(
+        entry.spec, entry.descriptor, entry.id));
+    extension->AddElement(dateSpec.release());
+  }
+  return extension.release();
 }
 
 TSXPMMLDocument::TSXPMMLDocument()

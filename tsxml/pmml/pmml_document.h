@@ -5,15 +5,17 @@
 #define TSXML_PMML_PMML_DOCUMENT_H
 
 #include <cstddef>
+#include <deque>
 #include <iosfwd>
 #include <memory>
 #include <string>
 #include <valarray>
 #include <vector>
 
+#include "tsxml/datespec/date_spec_entry.h"
 #include "tsxml/modelapi/model.h"
 #include "tsxml/pmml/model_summary.h"
-#include "tsxml/tree/dictionary_refs.h"
+#include "tsxml/base/dictionary_refs.h"
 #include "tsxml/xml/xml_node.h"
 
 class ESForecastState;
@@ -33,6 +35,11 @@ bool TimeFieldOfPeriod(int periodType, std::string& name, std::string& type);
 // `name` and `type` untouched, when no period has one.
 bool TimeFieldOfDateSpec(const TSXDateSpec& spec, std::string& name,
                          std::string& type);
+
+// An "Extension" holding one "DateSpecification" per entry of `dateSpecs`,
+// used by a model or not, in order; null when there are none. Caller owns the
+// result.
+XMLElement* MakeDateSpecExtension(const std::deque<TSXDateSpecEntry>& dateSpecs);
 
 // Owns the model elements it built and deletes them with itself. Nothing here
 // reports a failure; an allocation failure passes through and leaves the

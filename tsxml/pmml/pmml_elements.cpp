@@ -3,8 +3,8 @@
 #include <memory>
 #include <utility>
 
-#include "tsxml/modelapi/missing_value.h"
-#include "tsxml/native/vendor.h"
+#include "tsxml/base/missing_value.h"
+#include "tsxml/base/vendor.h"
 #include "tsxml/xml/number_text.h"
 
 namespace tsxml {

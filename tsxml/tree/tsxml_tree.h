@@ -14,15 +14,16 @@
 
 #include "tsxml/modelapi/croston_model.h"
 #include "tsxml/modelapi/model.h"
+#include "tsxml/modelapi/ref_counted.h"
 #include "tsxml/datespec/date_spec.h"
-#include "tsxml/tree/dictionary_refs.h"
-#include "tsxml/tsxml_export.h"
+#include "tsxml/base/dictionary_refs.h"
+#include "tsxml/base/export.h"
 
 class TSXMLTreeImp;
 
-// A counted handle on a TSXMLTreeImp. Each handle holds one reference; the
-// last reference to go deletes the implementation. A handle on null answers
-// false or 0 to everything and does nothing.
+// A counted handle on a TSXMLTreeImp (a TSRCHandle, which counts the
+// references): the last handle to go deletes the implementation. A handle on
+// null answers false or 0 to everything and does nothing.
 class TSXML_API TSXMLTree {
  public:
   // Makes a new, empty tree in native mode.
@@ -67,7 +68,7 @@ class TSXML_API TSXMLTree {
   bool WriteToStream(std::ostream& os);
 
  private:
-  TSXMLTreeImp* imp_;
+  TSRCHandle<TSXMLTreeImp> imp_;
 };
 
 #endif  // TSXML_TREE_TSXML_TREE_H

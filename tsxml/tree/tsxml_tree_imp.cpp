@@ -4,28 +4,14 @@
 #include <ostream>
 #include <utility>
 
-#include "tsxml/modelapi/forecast_state.h"
-#include "tsxml/native/croston_element.h"
-#include "tsxml/native/date_spec_element.h"
+#include "tsxml/native/native_document.h"
 #include "tsxml/pmml/pmml_document.h"
-#include "tsxml/tree/document_root.h"
-#include "tsxml/tree/model_xml_tree_maker.h"
-#include "tsxml/xml/internal/document_output.h"
-#include "tsxml/xml/xml_node.h"
-
-using OstraTimeXML::ExportFormat;
-using OstraTimeXML::XMLElement;
-using OstraTimeXML::internal::ChildLoan;
-using OstraTimeXML::internal::kXMLDeclaration;
-using OstraTimeXML::internal::kXMLDeclarationLength;
 
 TSXMLTreeImp::TSXMLTreeImp()
-    : pmmlDocument_(std::make_unique<tsxml::TSXPMMLDocument>()) {}
+    : nativeDocument_(std::make_unique<tsxml::TSXNativeDocument>()),
+      pmmlDocument_(std::make_unique<tsxml::TSXPMMLDocument>()) {}
 
-TSXMLTreeImp::~TSXMLTreeImp() {
-  for (XMLElement* model : models_) delete model;
-}
-
+TSXMLTreeImp::~TSXMLTreeImp() = default;
 void TSXMLTreeImp::SetApplication(std::string name, std::string version,
                                   std::string copyright) {
   if (name.empty()) {
@@ -57,7 +43,7 @@ bool TSXMLTreeImp::AddModelTree(TSFModel model, const TSXDictionaryRefs& refs) {
 }
 
 int TSXMLTreeImp::GetModelCount() const {
-  return static_cast<int>(models_.size());
+  return static_cast<int>(nativeDocument_->GetModelCount());
 }
 
 bool TSXMLTreeImp::WriteToStream(std::ostream& os, bool complete) {
@@ -76,30 +62,17 @@ bool TSXMLTreeImp::AddPMMLModelTree(TSFModel& model,
 bool TSXMLTreeImp::WritePMMLToStream(std::ostream& os, bool complete) {
   pmmlDocument_->SetApplication(applicationName_, applicationVersion_,
                                 applicationCopyright_);
-  // Every registered date specification, used by a model or not.
-  std::unique_ptr<XMLElement> extension;
-  if (!dateSpecs_.empty()) {
-    extension.reset(XMLElement::Create("Extension"));
-    for (const TSXDateSpecEntry& entry : dateSpecs_) {
-      std::unique_ptr<XMLElement> dateSpec(tsxml::MakeDateSpecificationElement(
-          entry.spec, entry.descriptor, entry.id));
-      extension->AddElement(dateSpec.release());
-    }
-  }
-  return pmmlDocument_->Write(os, complete, extension.release());
+  return pmmlDocument_->Write(os, complete,
+                              tsxml::MakeDateSpecExtension(dateSpecs_));
 }
 
 bool TSXMLTreeImp::AddXMLModelTree(TSFModel& model,
                                    const TSXDictionaryRefs& refs) {
-  if (model.IsEmpty() || !model.GetImp()->GetForecastState()) return false;
+  if (model.IsEmpty()) return false;
   unsigned int index = 0;
   if (!CheckDictRefs(&model, refs, index)) return false;
-  const TSFModelImp* imp = model.GetImp();
-  ModelXMLTreeMaker maker(refs, imp->GetEstimationInfo());
-  imp->GetForecastState()->Accept(maker);
-  std::unique_ptr<XMLElement> element(maker.ReleaseTree());
-  if (!element) return false;
-  AppendModel(std::move(element), refs, index);
+  if (!nativeDocument_->AddModel(model, refs)) return false;
+  MarkDateSpecUsed(refs, index);
   return true;
 }
 
@@ -107,27 +80,13 @@ bool TSXMLTreeImp::AddModelTree(TSFCrModel model,
                                 const TSXDictionaryRefs& refs) {
   unsigned int index = 0;
   if (!CheckDictRefs(nullptr, refs, index)) return false;
-  const TSFCrModelImp* imp = model.GetImp();
-  if (imp == nullptr) return false;
-  const ESForecastState* actualDemand =
-      imp->GetForecastState(TSFCrModelImp::ActualDemand);
-  const ESForecastState* elapsedTime =
-      imp->GetForecastState(TSFCrModelImp::ElapsedTime);
-  const ESForecastState* absoluteError =
-      imp->GetForecastState(TSFCrModelImp::AbsoluteError);
-  if (!actualDemand || !elapsedTime || !absoluteError) return false;
-  AppendModel(std::unique_ptr<XMLElement>(tsxml::MakeCrostonElement(
-                  *actualDemand, *elapsedTime, *absoluteError, refs,
-                  imp->GetFunctionType(), imp->GetEstimationInfo())),
-              refs, index);
+  if (!nativeDocument_->AddModel(model, refs)) return false;
+  MarkDateSpecUsed(refs, index);
   return true;
 }
 
-void TSXMLTreeImp::AppendModel(std::unique_ptr<XMLElement> element,
-                               const TSXDictionaryRefs& refs,
-                               unsigned int index) {
-  models_.push_back(element.get());
-  element.release();
+void TSXMLTreeImp::MarkDateSpecUsed(const TSXDictionaryRefs& refs,
+                                    unsigned int index) {
   if (refs.GetDateSpecID() != 0) dateSpecs_[index].used = true;
 }
 
@@ -181,32 +140,10 @@ bool TSXMLTreeImp::CheckDictRefs(const TSFModel* model,
 }
 
 bool TSXMLTreeImp::WriteXMLToStream(std::ostream& os, bool complete) {
-  if (models_.empty()) return false;
-  if (!complete) {
-    ExportFormat format;
-    for (const XMLElement* model : models_) model->ToStream(os, format, false);
-    for (XMLElement* model : models_) delete model;
-    models_.clear();
-    return true;
+  if (!nativeDocument_->Write(os, complete, applicationName_,
+                              applicationVersion_, dateSpecs_)) {
+    return false;
   }
-
-  std::unique_ptr<XMLElement> root(
-      tsxml::MakeDocumentRoot(applicationName_, applicationVersion_));
-  std::unique_ptr<XMLElement> dictionary(XMLElement::Create("DataDictionary"));
-  for (const TSXDateSpecEntry& entry : dateSpecs_) {
-    if (!entry.used) continue;
-    std::unique_ptr<XMLElement> dateSpec(tsxml::MakeDateSpecificationElement(
-        entry.spec, entry.descriptor, entry.id));
-    dictionary->AddElement(dateSpec.release());
-  }
-  root->AddElement(dictionary.release());
-
-  ChildLoan loan(*root, models_);
-  os.write(kXMLDeclaration, kXMLDeclarationLength);
-  ExportFormat format;
-  root->ToStream(os, format, false);
-  loan.Keep();
-  models_.clear();  // the root owns them now and deletes them with itself
-  dateSpecs_.clear();
+  if (complete) dateSpecs_.clear();
   return true;
 }

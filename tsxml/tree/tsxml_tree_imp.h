@@ -1,7 +1,7 @@
-// TSXMLTreeImp: the counted object behind a TSXMLTree. It owns the native
-// model elements and the application strings, and decides for each model
-// and each write which dialect does the work: StatXML before PMML before
-// native.
+// TSXMLTreeImp: the counted object behind a TSXMLTree. It holds the registry
+// of date specifications, the application strings and one document per
+// dialect, and decides for each model and each write which dialect does the
+// work: StatXML before PMML before native.
 #ifndef TSXML_TREE_TSXML_TREE_IMP_H
 #define TSXML_TREE_TSXML_TREE_IMP_H
 
@@ -10,21 +10,18 @@
 #include <memory>
 #include <string>
 #include <valarray>
-#include <vector>
 
 #include "tsxml/modelapi/croston_model.h"
 #include "tsxml/modelapi/model.h"
 #include "tsxml/modelapi/ref_counted.h"
-#include "tsxml/tree/date_spec_entry.h"
-#include "tsxml/tree/dictionary_refs.h"
-#include "tsxml/tsxml_export.h"
+#include "tsxml/base/dictionary_refs.h"
+#include "tsxml/base/export.h"
+#include "tsxml/datespec/date_spec_entry.h"
 
-namespace OstraTimeXML {
-class XMLElement;
-}
 namespace tsxml {
+class TSXNativeDocument;
 class TSXPMMLDocument;
-}
+}  // namespace tsxml
 
 // Deleted by the last removeReference (TSXMLTree handles hold references).
 class TSXML_API TSXMLTreeImp : public TSRCObject {
@@ -72,16 +69,15 @@ class TSXML_API TSXMLTreeImp : public TSRCObject {
   // Adds to the PMML document; `history` (null: none) is the observed series.
   bool AddPMMLModelTree(TSFModel& model, const TSXDictionaryRefs& refs,
                         std::valarray<double>* history);
-  // Appends a finished model element (not null) to the native models; `index`
-  // is the position of its date spec entry from CheckDictRefs.
-  void AppendModel(std::unique_ptr<OstraTimeXML::XMLElement> element,
-                   const TSXDictionaryRefs& refs, unsigned int index);
+  // Marks the date spec entry at `index` (from CheckDictRefs) used when
+  // `refs` names one.
+  void MarkDateSpecUsed(const TSXDictionaryRefs& refs, unsigned int index);
   // Whether `refs` may be written with `model` (null: a model without
   // predictors); `index` is set to the position of its date spec entry.
   bool CheckDictRefs(const TSFModel* model, const TSXDictionaryRefs& refs,
                      unsigned int& index) const;
 
-  std::vector<OstraTimeXML::XMLElement*> models_;
+  std::unique_ptr<tsxml::TSXNativeDocument> nativeDocument_;  // never null
   std::deque<TSXDateSpecEntry> dateSpecs_;
   std::string applicationName_;
   std::string applicationVersion_;

@@ -8,7 +8,7 @@
 
 #include <string>
 
-#include "tsxml/tsxml_export.h"
+#include "tsxml/base/export.h"
 
 namespace OstraTimeXML {
 

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "tsxml/tsxml_export.h"
+#include "tsxml/base/export.h"
 
 namespace OstraTimeXML {
 

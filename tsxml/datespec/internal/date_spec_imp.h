@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "tsxml/datespec/date_spec.h"
-#include "tsxml/modelapi/status.h"
+#include "tsxml/base/status.h"
 
 namespace datespec::internal {
 

@@ -1,7 +1,7 @@
 // The vendor's names in the documents: one place for the namespace host and
 // the extender text that every document uses.
-#ifndef TSXML_NATIVE_VENDOR_H
-#define TSXML_NATIVE_VENDOR_H
+#ifndef TSXML_BASE_VENDOR_H
+#define TSXML_BASE_VENDOR_H
 
 namespace tsxml {
 
@@ -17,4 +17,4 @@ inline constexpr const char kXsiNamespaceURI[] =
 
 }  // namespace tsxml
 
-#endif  // TSXML_NATIVE_VENDOR_H
+#endif  // TSXML_BASE_VENDOR_H

@@ -1,11 +1,11 @@
 // TSXDateSpecEntry: one date specification registered with a tree.
-#ifndef TSXML_TREE_DATE_SPEC_ENTRY_H
-#define TSXML_TREE_DATE_SPEC_ENTRY_H
+#ifndef TSXML_DATESPEC_DATE_SPEC_ENTRY_H
+#define TSXML_DATESPEC_DATE_SPEC_ENTRY_H
 
 #include <string>
 
 #include "tsxml/datespec/date_spec.h"
-#include "tsxml/tsxml_export.h"
+#include "tsxml/base/export.h"
 
 struct TSXML_API TSXDateSpecEntry {
   TSXDateSpec spec;        // a deep copy of the caller's specification
@@ -14,4 +14,4 @@ struct TSXML_API TSXDateSpecEntry {
   bool used = false;       // a native model refers to it
 };
 
-#endif  // TSXML_TREE_DATE_SPEC_ENTRY_H
+#endif  // TSXML_DATESPEC_DATE_SPEC_ENTRY_H

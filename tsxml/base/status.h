@@ -1,9 +1,9 @@
 // OstraTime::OstraStatus: the status that date specification operations
 // return and that the TSXDateSpec constructor throws.
-#ifndef TSXML_MODELAPI_STATUS_H
-#define TSXML_MODELAPI_STATUS_H
+#ifndef TSXML_BASE_STATUS_H
+#define TSXML_BASE_STATUS_H
 
-#include "tsxml/tsxml_export.h"
+#include "tsxml/base/export.h"
 
 namespace OstraTime {
 
@@ -27,4 +27,4 @@ class TSXML_API OstraStatus {
 
 }  // namespace OstraTime
 
-#endif  // TSXML_MODELAPI_STATUS_H
+#endif  // TSXML_BASE_STATUS_H

@@ -1,7 +1,7 @@
 // Edges, status codes and invariants of the distribution functions; their
 // accuracy over grids is compared with Boost.Math in
 // distributions_accuracy_test.cpp.
-#include "tsxml/pmml/distributions.h"
+#include "tsxml/stats/distributions.h"
 
 #include <gtest/gtest.h>
 
@@ -10,8 +10,8 @@
 #include <limits>
 #include <vector>
 
-#include "tsxml/modelapi/missing_value.h"
-#include "pmml/distribution_tolerances.h"
+#include "tsxml/base/missing_value.h"
+#include "stats/distribution_tolerances.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // The system-missing value of the model library.
-#ifndef TSXML_MODELAPI_MISSING_VALUE_H
-#define TSXML_MODELAPI_MISSING_VALUE_H
+#ifndef TSXML_BASE_MISSING_VALUE_H
+#define TSXML_BASE_MISSING_VALUE_H
 
 #include <limits>
 
@@ -14,4 +14,4 @@ inline bool IsMissing(double value) { return value == gMissingValue; }
 
 }  // namespace MV
 
-#endif  // TSXML_MODELAPI_MISSING_VALUE_H
+#endif  // TSXML_BASE_MISSING_VALUE_H

@@ -1,8 +1,8 @@
 // ForecastStateVisitor: how a forecast state shows its own class.
-#ifndef TSXML_TREE_FORECAST_STATE_VISITOR_H
-#define TSXML_TREE_FORECAST_STATE_VISITOR_H
+#ifndef TSXML_MODELAPI_FORECAST_STATE_VISITOR_H
+#define TSXML_MODELAPI_FORECAST_STATE_VISITOR_H
 
-#include "tsxml/tsxml_export.h"
+#include "tsxml/base/export.h"
 
 class ARMAMLSpForecastState;
 class ARMAMLForecastState;
@@ -19,4 +19,4 @@ class TSXML_API ForecastStateVisitor {
   virtual void Visit(const ESForecastState& state) = 0;
 };
 
-#endif  // TSXML_TREE_FORECAST_STATE_VISITOR_H
+#endif  // TSXML_MODELAPI_FORECAST_STATE_VISITOR_H

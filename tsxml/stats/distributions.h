@@ -4,8 +4,8 @@
 // `status` is 0 on success, 1 for a bad argument, 2 when no result was found.
 // A NaN argument counts as a bad argument: the missing value (with status 1
 // where there is a status, -1.0 from TSXInverseIncompleteBeta).
-#ifndef TSXML_PMML_DISTRIBUTIONS_H
-#define TSXML_PMML_DISTRIBUTIONS_H
+#ifndef TSXML_STATS_DISTRIBUTIONS_H
+#define TSXML_STATS_DISTRIBUTIONS_H
 
 // erf(x); +-1 from |x| 6.9 on.
 double TSXErf(double x);
@@ -41,4 +41,4 @@ double TSXStudentTCDF(double x, double df, int& status);
 // to an infinite x: status 2, missing.
 double TSXStudentTQuantile(double p, double df, int& status);
 
-#endif  // TSXML_PMML_DISTRIBUTIONS_H
+#endif  // TSXML_STATS_DISTRIBUTIONS_H

@@ -1,7 +1,7 @@
 // TSXML_API marks the classes and functions that the shared library exports;
 // everything else has hidden visibility.
-#ifndef TSXML_EXPORT_H
-#define TSXML_EXPORT_H
+#ifndef TSXML_BASE_EXPORT_H
+#define TSXML_BASE_EXPORT_H
 
 #if defined(TSXML_STATIC)
 #define TSXML_API
@@ -15,4 +15,4 @@
 #define TSXML_API __attribute__((visibility("default")))
 #endif
 
-#endif  // TSXML_EXPORT_H
+#endif  // TSXML_BASE_EXPORT_H

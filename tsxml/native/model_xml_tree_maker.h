@@ -1,10 +1,10 @@
 // ModelXMLTreeMaker: the visitor that turns a forecast state into the element
 // of its model in the native document.
-#ifndef TSXML_TREE_MODEL_XML_TREE_MAKER_H
-#define TSXML_TREE_MODEL_XML_TREE_MAKER_H
+#ifndef TSXML_NATIVE_MODEL_XML_TREE_MAKER_H
+#define TSXML_NATIVE_MODEL_XML_TREE_MAKER_H
 
-#include "tsxml/tree/forecast_state_visitor.h"
-#include "tsxml/tsxml_export.h"
+#include "tsxml/modelapi/forecast_state_visitor.h"
+#include "tsxml/base/export.h"
 
 class EstimationInfo;
 class TSXDictionaryRefs;
@@ -36,4 +36,4 @@ class TSXML_API ModelXMLTreeMaker : public ForecastStateVisitor {
   OstraTimeXML::XMLElement* element_ = nullptr;
 };
 
-#endif  // TSXML_TREE_MODEL_XML_TREE_MAKER_H
+#endif  // TSXML_NATIVE_MODEL_XML_TREE_MAKER_H

@@ -1,12 +1,12 @@
 // TSXDictionaryRefs: names a model and the fields of the host's data
 // dictionary that it belongs to. Passed beside every model; validates nothing.
-#ifndef TSXML_TREE_DICTIONARY_REFS_H
-#define TSXML_TREE_DICTIONARY_REFS_H
+#ifndef TSXML_BASE_DICTIONARY_REFS_H
+#define TSXML_BASE_DICTIONARY_REFS_H
 
 #include <string>
 #include <vector>
 
-#include "tsxml/tsxml_export.h"
+#include "tsxml/base/export.h"
 
 class TSXML_API TSXDictionaryRefs {
  public:
@@ -39,4 +39,4 @@ class TSXML_API TSXDictionaryRefs {
   int dateSpecID_ = 0;
 };
 
-#endif  // TSXML_TREE_DICTIONARY_REFS_H
+#endif  // TSXML_BASE_DICTIONARY_REFS_H

@@ -10,8 +10,8 @@
 #include <cmath>
 #include <vector>
 
-#include "pmml/distribution_tolerances.h"
-#include "tsxml/pmml/distributions.h"
+#include "stats/distribution_tolerances.h"
+#include "tsxml/stats/distributions.h"
 
 namespace {
 

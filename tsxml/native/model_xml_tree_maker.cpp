@@ -1,4 +1,4 @@
-#include "tsxml/tree/model_xml_tree_maker.h"
+#include "tsxml/native/model_xml_tree_maker.h"
 
 #include <memory>
 
@@ -9,8 +9,6 @@
 #include "tsxml/native/es_element.h"
 #include "tsxml/native/model_elements.h"
 #include "tsxml/xml/xml_node.h"
-
-ForecastStateVisitor::~ForecastStateVisitor() = default;
 
 ModelXMLTreeMaker::ModelXMLTreeMaker(const TSXDictionaryRefs& refs,
                                      const EstimationInfo& info)

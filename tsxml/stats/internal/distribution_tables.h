@@ -3,8 +3,8 @@
 // error function package, 1996) list each row's highest power first; the
 // AS 241 tables (M. J. Wichura, Algorithm AS 241, PPND16, Applied Statistics
 // 37, 1988) list the lowest power first, as published.
-#ifndef TSXML_PMML_INTERNAL_DISTRIBUTION_TABLES_H
-#define TSXML_PMML_INTERNAL_DISTRIBUTION_TABLES_H
+#ifndef TSXML_STATS_INTERNAL_DISTRIBUTION_TABLES_H
+#define TSXML_STATS_INTERNAL_DISTRIBUTION_TABLES_H
 
 namespace internal {
 
@@ -248,4 +248,4 @@ inline constexpr double kNormalQuantileF[] = {1.0,
 
 }  // namespace internal
 
-#endif  // TSXML_PMML_INTERNAL_DISTRIBUTION_TABLES_H
+#endif  // TSXML_STATS_INTERNAL_DISTRIBUTION_TABLES_H

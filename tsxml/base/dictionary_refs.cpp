@@ -1,4 +1,4 @@
-#include "tsxml/tree/dictionary_refs.h"
+#include "tsxml/base/dictionary_refs.h"
 
 #include <utility>
 

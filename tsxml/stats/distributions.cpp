@@ -1,12 +1,12 @@
-#include "tsxml/pmml/distributions.h"
+#include "tsxml/stats/distributions.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <utility>
 
-#include "tsxml/modelapi/missing_value.h"
-#include "tsxml/pmml/internal/distribution_tables.h"
+#include "tsxml/base/missing_value.h"
+#include "tsxml/stats/internal/distribution_tables.h"
 
 namespace {
 
