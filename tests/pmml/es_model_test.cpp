@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <memory>
 #include <string>
 
 #include "tsxml/modelapi/forecast_model.h"
+#include "tsxml/pmml/es_model.h"
 #include "tsxml/pmml/pmml_document.h"
 #include "pmml_test_util.h"
 #include "support/model_fixtures.h"
@@ -29,11 +31,14 @@ std::string ModelText(const TSFModel& model,
                       const TSXDictionaryRefs& refs = TSXDictionaryRefs("M", "",
                                                                         "y"),
                       bool timeValues = true) {
-  TSXPMMLDocument document;
-  document.SetESPMMLOutputTimeValue(timeValues);
-  document.AddModel(model, refs, model.GetImp()->GetHistoryData());
-  const OstraTimeXML::XMLElement* element = document.GetModelElement(0);
-  return element ? Text(*element) : "(no element)";
+  const TSFModelImp& imp = *model.GetImp();
+  tsxml::TSXModelSummary summary;
+  summary.Fill(model, refs, imp.GetHistoryData());
+  std::unique_ptr<OstraTimeXML::XMLElement> element(tsxml::BuildESModel(
+      summary, "Month", timeValues, refs,
+      dynamic_cast<const ESForecastState&>(*imp.GetForecastState()),
+      imp.GetEstimationInfo(), imp.GetHistoryData()));
+  return Text(*element);
 }
 
 // The start of a model named `name` on `variable`, with its mining schema.
@@ -253,12 +258,14 @@ TEST(ESModelTest, MiningSchemaNamesTheTimeFieldSetWhenTheModelIsAdded) {
     document.AddModel(MakeTypeModel(ESModelSpec::ESSimple),
                       TSXDictionaryRefs("M", "", "y"), {});
   }
-  ASSERT_EQ(document.GetModelElementCount(), 2u);
-  EXPECT_EQ(Text(*document.GetModelElement(0)),
-            Head("Day") + Smoothing(Level()) + Tail(false));
-  EXPECT_EQ(Text(*document.GetModelElement(1)),
-            Head("Hour") + Smoothing(Level()) + Tail(false));
-  EXPECT_EQ(document.GetModelElement(2), nullptr);
+  std::string models = pmml_test::WriteText(document, false);
+  models = models.substr(models.find("</DataDictionary>") + 17);
+  std::string expected = Head("Day") + Smoothing(Level()) + Tail(false) +
+                         Head("Hour") + Smoothing(Level()) + Tail(false);
+  for (size_t at = 0; (at = expected.find('\n', at)) != std::string::npos;) {
+    expected.insert(++at, 1, '\t');  // one level down, under the root
+  }
+  EXPECT_EQ(models, expected + "\n</PMML>");
 }
 
 }  // namespace

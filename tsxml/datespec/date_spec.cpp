@@ -8,6 +8,13 @@
 using datespec::internal::AsSigned;
 using Tuple = TSXDateSpec::TSXIndexTuple;
 
+const char* TSXDateSpec::PeriodTypeName(int32_t type) {
+  static constexpr const char* kNames[] = {
+      "SimpleSequence", "Cycle", "Year",   "Quarter", "Month", "Week",
+      "Day",            "Hour",  "Minute", "Second",  "Obs"};
+  return type >= SimpleSequence && type <= Obs ? kNames[type] : nullptr;
+}
+
 // TSXDateSpec::TSXIndexTuple
 
 Tuple::TSXIndexTuple() = default;

@@ -62,6 +62,11 @@ class TSXML_API TSXDateSpec {
     Obs = 10,
   };
 
+  // The name of a period type in the documents: "SimpleSequence", "Cycle",
+  // "Year", "Quarter", "Month", "Week", "Day", "Hour", "Minute", "Second",
+  // "Obs"; null for a type outside the list.
+  static const char* PeriodTypeName(int32_t type);
+
   // One case as one index per period. A tuple is a plain value holding a
   // pointer to the implementation it is bound to (not owned: that
   // date spec must outlive the tuple) or null when unbound. It doesn't

@@ -10,6 +10,28 @@
 #include "tsxml/modelapi/transform.h"
 #include "tsxml/base/export.h"
 
+namespace BFSharedConst {
+
+// Goodness-of-fit statistics. 10 to 13 are not used.
+enum GOFStatType : int {
+  MSE = 0,
+  RMSE = 1,
+  MAPE = 2,
+  MAE = 3,
+  MAXAPE = 4,
+  MAXAE = 5,
+  RSQ = 6,
+  NRMBIC = 7,
+  RMSPE = 8,
+  LOGLK = 9,
+  AIC = 14,
+  BIC = 15,
+  SRSQ = 16,
+};
+inline constexpr int kGOFStatTypeCount = 17;
+
+}  // namespace BFSharedConst
+
 // Every statistic starts missing (MV::gMissingValue) until it is set.
 class TSXML_API EstimationInfo {
  public:

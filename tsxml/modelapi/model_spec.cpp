@@ -24,6 +24,10 @@ bool ESModelSpec::HasParameterKind(int type, int kind) {
          kTypeHasKind[type][kind];
 }
 
+bool ESModelSpec::HasTrendState(int type) {
+  return type != ESSimpleSeasonal && type != ESSimple;
+}
+
 ESModelSpec::ESModelSpec(int type, unsigned seasonLength)
     : type_(type), parameterCount_(0) {
   SetSeasonLength(seasonLength);

@@ -60,6 +60,9 @@ class TSXML_API ESModelSpec : public TSModelSpec {
 
   // Whether a model of `type` has a parameter of `kind`.
   static bool HasParameterKind(int type, int kind);
+  // Whether a model of `type` has a trend in its smoothing state: every type
+  // but the simple and the simple seasonal ones.
+  static bool HasTrendState(int type);
 
   virtual int GetESModelType() const { return type_; }
   // The position of the parameter of `kind`, or -1 when the model has none.

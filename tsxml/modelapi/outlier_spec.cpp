@@ -2,6 +2,14 @@
 
 #include <cstddef>
 
+const char* TSOutlierSpec::TypeName(uint32_t outlierType) {
+  static constexpr const char* kNames[] = {
+      "none",  "additive",     "level",         "transient", "seasonalAdditive",
+      "trend", "innovational", "varianceChange"};
+  return outlierType < sizeof kNames / sizeof kNames[0] ? kNames[outlierType]
+                                                         : nullptr;
+}
+
 unsigned TSOutlierSpec::GetParameterCount() const {
   if (countSet_) return parameterCount_;
   if (type == None) return 0;

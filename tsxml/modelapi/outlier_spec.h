@@ -24,6 +24,11 @@ class TSXML_API TSOutlierSpec {
     VarianceChange = 7,
   };
 
+  // The word of an outlier type in the documents: "none", "additive",
+  // "level", "transient", "seasonalAdditive", "trend", "innovational",
+  // "varianceChange" for 0 to 7; null for any other type.
+  static const char* TypeName(uint32_t outlierType);
+
   TSOutlierSpec() = default;
   TSOutlierSpec(uint32_t outlierType, uint64_t start)
       : type(outlierType), startIndex(start) {}

@@ -1,28 +1,10 @@
-// Transformations of a series and the shared enumerations of the model library.
+// Transformations of a series.
 #ifndef TSXML_MODELAPI_TRANSFORM_H
 #define TSXML_MODELAPI_TRANSFORM_H
 
 #include "tsxml/base/export.h"
 
 namespace BFSharedConst {
-
-// Goodness-of-fit statistics. 10 to 13 are not used.
-enum GOFStatType : int {
-  MSE = 0,
-  RMSE = 1,
-  MAPE = 2,
-  MAE = 3,
-  MAXAPE = 4,
-  MAXAE = 5,
-  RSQ = 6,
-  NRMBIC = 7,
-  RMSPE = 8,
-  LOGLK = 9,
-  AIC = 14,
-  BIC = 15,
-  SRSQ = 16,
-};
-inline constexpr int kGOFStatTypeCount = 17;
 
 // The transformation applied to a series before fitting.
 enum TSFunctionType : unsigned {

@@ -23,13 +23,6 @@ bool Reaches(const std::valarray<double>& values, unsigned last) {
   return last <= values.size();
 }
 
-const char* OutlierTypeWord(uint32_t type) {
-  static constexpr const char* kWords[] = {
-      nullptr, "additive",     "level",         "transient", "seasonalAdditive",
-      "trend", "innovational", "varianceChange"};
-  return type < sizeof kWords / sizeof kWords[0] ? kWords[type] : nullptr;
-}
-
 // Element `name` holding the factors of the lags; added to `parent` only
 // when it has a factor.
 void AddFactorGroup(XMLElement& parent, const char* name,
@@ -184,8 +177,8 @@ void AddOutlierEffect(XMLElement& parent, const TSOutlierSpec& outlier,
                       unsigned firstParameter,
                       const std::valarray<double>& parameters,
                       const std::valarray<double>& stdErrors) {
-  const char* word = OutlierTypeWord(outlier.type);
-  if (word == nullptr) return;
+  const char* word = TSOutlierSpec::TypeName(outlier.type);
+  if (word == nullptr || outlier.type == TSOutlierSpec::None) return;
   std::unique_ptr<XMLElement> effect(XMLElement::Create("OutlierEffect"));
   effect->AddAttribute("type", word);
   effect->AddAttribute("startIndex", static_cast<double>(outlier.startIndex));

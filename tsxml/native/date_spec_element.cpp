@@ -11,14 +11,6 @@ namespace tsxml {
 
 using OstraTimeXML::XMLElement;
 
-const char* PeriodWord(int periodType) {
-  static constexpr const char* kWords[] = {
-      "SimpleSequence", "Cycle", "Year",   "Quarter", "Month", "Week",
-      "Day",            "Hour",  "Minute", "Second",  "Obs"};
-  return periodType >= 0 && periodType <= TSXDateSpec::Obs ? kWords[periodType]
-                                                           : nullptr;
-}
-
 XMLElement* MakeDateSpecificationElement(const TSXDateSpec& spec,
                                          const std::string& descriptor,
                                          int id) {
@@ -44,7 +36,7 @@ XMLElement* MakeDateSpecificationElement(const TSXDateSpec& spec,
     unsigned subCycleStart = 0;
     unsigned subCycleLength = 0;
     spec.GetPeriod(i, type, cycleLength, subCycleStart, subCycleLength);
-    const char* word = PeriodWord(type);
+    const char* word = TSXDateSpec::PeriodTypeName(type);
     if (!word) continue;
     std::unique_ptr<XMLElement> period(XMLElement::Create(word));
     if (cycleLength > 1) {

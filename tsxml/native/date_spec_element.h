@@ -16,9 +16,6 @@ namespace tsxml {
 OstraTimeXML::XMLElement* MakeDateSpecificationElement(
     const TSXDateSpec& spec, const std::string& descriptor, int id);
 
-// The element name of a period type; null for a type outside the table.
-const char* PeriodWord(int periodType);
-
 }  // namespace tsxml
 
 #endif  // TSXML_NATIVE_DATE_SPEC_ELEMENT_H

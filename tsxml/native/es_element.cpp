@@ -19,10 +19,6 @@ constexpr const char* kTypeElement[] = {
 constexpr const char* kParameterElement[] = {
     "ParmLevel", "ParmTrend", "ParmSeason", "ParmDampingTrend"};
 
-bool HasTrendState(int type) {
-  return type != ESModelSpec::ESSimpleSeasonal && type != ESModelSpec::ESSimple;
-}
-
 // The standard error at `index`, missing past the end of the vector.
 double StdErrorAt(const std::valarray<double>& stdErrors, size_t index) {
   return index < stdErrors.size() ? stdErrors[index] : MV::gMissingValue;
@@ -64,7 +60,7 @@ bool AddESStates(XMLElement& parent, const ESModelSpec& spec,
   std::unique_ptr<XMLElement> level = MakeValueElement("StateLevel", sm.level);
 
   std::unique_ptr<XMLElement> trend;
-  if (HasTrendState(spec.GetESModelType())) {
+  if (ESModelSpec::HasTrendState(spec.GetESModelType())) {
     if (MV::IsMissing(sm.trend)) return false;
     trend = MakeValueElement("StateTrend", sm.trend);
   }

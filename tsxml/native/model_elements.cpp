@@ -1,5 +1,6 @@
 #include "tsxml/native/model_elements.h"
 
+#include <cmath>
 #include <memory>
 
 #include "tsxml/modelapi/estimation_info.h"
@@ -17,29 +18,21 @@ namespace {
 
 std::string NumberText(double value) { return Format(value, false, nullptr); }
 
-// The number text with the runtime's forms of infinity made uniform.
-void AppendValue(std::string& text, double value) {
-  if (MV::IsMissing(value)) {
-    text += "NaN";
-    return;
-  }
-  std::string number = NumberText(value);
-  if (number == "1.#INF" || number == "inf" || number == "Inf") {
-    text += "INF";
-  } else if (number == "-1.#INF" || number == "-inf" || number == "-Inf") {
-    text += "-INF";
-  } else {
-    text += number;
-  }
-}
-
 }  // namespace
 
-std::string ValueText(const double* values, size_t count) {
+std::string ValueText(const double* values, size_t count,
+                      InfinityText infinities) {
   std::string text;
   for (size_t i = 0; i < count; ++i) {
-    if (!text.empty()) text += ' ';
-    AppendValue(text, values[i]);
+    if (i != 0) text += ' ';
+    const double value = values[i];
+    if (MV::IsMissing(value)) {
+      text += "NaN";
+    } else if (std::isinf(value) && infinities == InfinityText::kUniform) {
+      text += value > 0 ? "INF" : "-INF";
+    } else {
+      text += NumberText(value);
+    }
   }
   return text;
 }

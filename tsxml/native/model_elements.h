@@ -18,9 +18,14 @@ namespace tsxml {
 
 using OstraTimeXML::XMLElement;
 
+// How a value list spells an infinity: "INF" and "-INF", or its number text
+// ("inf" and "-inf").
+enum class InfinityText { kUniform, kNumberText };
+
 // The blank-separated text of `count` values: "NaN" for a missing value,
-// "INF"/"-INF" for infinities, the number text otherwise.
-std::string ValueText(const double* values, size_t count);
+// infinities as `infinities` says, the number text otherwise.
+std::string ValueText(const double* values, size_t count,
+                      InfinityText infinities = InfinityText::kUniform);
 
 // Adds one text node with ValueText; nothing for a count of 0.
 void AddValueText(XMLElement& element, const double* values, size_t count);

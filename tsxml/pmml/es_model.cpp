@@ -1,11 +1,12 @@
-// The "TimeSeriesModel" element of an exponential smoothing model.
+#include "tsxml/pmml/es_model.h"
+
 #include <memory>
 #include <vector>
 
+#include "tsxml/base/dictionary_refs.h"
 #include "tsxml/modelapi/estimation_info.h"
 #include "tsxml/modelapi/forecast_state.h"
 #include "tsxml/base/missing_value.h"
-#include "tsxml/pmml/pmml_document.h"
 #include "tsxml/pmml/pmml_elements.h"
 
 namespace tsxml {
@@ -15,18 +16,14 @@ namespace {
 // Below this smoothing weight the Brown trend has no "Array".
 constexpr double kMinBrownAlpha = 1e-7;
 
-bool HasTrendState(int type) {
-  return type != ESModelSpec::ESSimpleSeasonal && type != ESModelSpec::ESSimple;
-}
-
 // What the final smoothing state can give; a missing value drops the parts
 // that depend on it.
 struct StatePresence {
   StatePresence(const WIESSmState& state, int type) {
     level = !MV::IsMissing(state.level);
-    trend = level && HasTrendState(type) && !MV::IsMissing(state.trend);
+    trend = level && ESModelSpec::HasTrendState(type) && !MV::IsMissing(state.trend);
     const bool complete =
-        level && (!HasTrendState(type) || !MV::IsMissing(state.trend));
+        level && (!ESModelSpec::HasTrendState(type) || !MV::IsMissing(state.trend));
     season = complete && state.CycleLength() >= 2;
     for (const double value : state.seasonal) {
       if (MV::IsMissing(value)) season = false;
@@ -101,12 +98,15 @@ void AddTimeSeries(XMLElement& model, const std::valarray<double>& history) {
 
 }  // namespace
 
-XMLElement* TSXPMMLDocument::BuildESModel(
-    const TSXModelSummary& summary, const ESModelSpec& spec,
-    const TSXDictionaryRefs& refs,
-    const std::valarray<double>& parameterEstimates,
-    const ESForecastState& forecastState, const EstimationInfo& estimationInfo,
-    const std::valarray<double>& history) const {
+XMLElement* BuildESModel(const TSXModelSummary& summary,
+                         const std::string& timeFieldName, bool timeSeries,
+                         const TSXDictionaryRefs& refs,
+                         const ESForecastState& forecastState,
+                         const EstimationInfo& estimationInfo,
+                         const std::valarray<double>& history) {
+  const ESModelSpec& spec = forecastState.GetESModelSpec();
+  const std::valarray<double>& parameterEstimates =
+      forecastState.GetParameters();
   const WIESSmState& state = forecastState.GetSmState();
   const int type = spec.GetESModelType();
   const StatePresence present(state, type);
@@ -121,9 +121,9 @@ XMLElement* TSXPMMLDocument::BuildESModel(
   XMLElement* target = AddChildElement(*schema, "MiningField");
   target->AddAttribute("name", summary.dependentVarID);  // even if empty
   target->AddAttribute("usageType", "predicted");
-  AddMiningField(*schema, TimeFieldName(), "order");
+  AddMiningField(*schema, timeFieldName, "order");
 
-  if (esPMMLOutputTimeValue_ && history.size() != 0) {
+  if (timeSeries && history.size() != 0) {
     AddTimeSeries(*model, history);
   }
 
@@ -189,7 +189,7 @@ XMLElement* TSXPMMLDocument::BuildESModel(
                     static_cast<double>(span.Begin()));
   AddValueExtension(*model, "periodLength", static_cast<double>(span.Length()));
   AddValueExtension(*model, "initLevel", initial.Level());
-  if (HasTrendState(type)) {
+  if (ESModelSpec::HasTrendState(type)) {
     AddValueExtension(*model, "initTrend", initial.Trend());
   }
   if (present.season) {

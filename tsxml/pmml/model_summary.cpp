@@ -11,25 +11,16 @@ namespace tsxml {
 
 namespace {
 
-// The smoothing parameter kinds of each model kind (1 to 7, one above the
-// ESModelSpec type).
+// The smoothing parameter kinds of a model kind (1 to 7, one above the
+// ESModelSpec type), in kind order.
 std::vector<int32_t> ParameterKinds(int modelKind) {
-  switch (modelKind) {
-    case 1:  // ESAdditiveWinters
-    case 5:  // ESMultiplicativeWinters
-      return {0, 1, 2};
-    case 2:  // ESBrown
-    case 7:  // ESSimple
-      return {0};
-    case 3:  // ESDampedTrend
-      return {0, 1, 3};
-    case 4:  // ESHolt
-      return {0, 1};
-    case 6:  // ESSimpleSeasonal
-      return {0, 2};
-    default:
-      return {};
+  std::vector<int32_t> kinds;
+  for (int kind = 0; kind < ESModelSpec::kParameterKindCount; ++kind) {
+    if (ESModelSpec::HasParameterKind(modelKind - 1, kind)) {
+      kinds.push_back(kind);
+    }
   }
+  return kinds;
 }
 
 // Estimate, standard error, t statistic and two-sided significance.

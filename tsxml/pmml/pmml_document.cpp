@@ -7,6 +7,7 @@
 #include "tsxml/modelapi/forecast_state.h"
 #include "tsxml/base/vendor.h"
 #include "tsxml/native/date_spec_element.h"
+#include "tsxml/pmml/es_model.h"
 #include "tsxml/pmml/pmml_elements.h"
 #include "tsxml/xml/internal/document_output.h"
 
@@ -24,24 +25,14 @@ constexpr char kPMMLNamespaceURI[] = "http://www.dmg.org/PMML-4_2";
 constexpr char kPMMLSchemaFile[] = "pmml-4-2.xsd";
 constexpr char kDefaultCopyright[] = "www.dmg.org";
 
-// The time field of each date specification period type.
-struct TimeField {
-  const char* name;
-  const char* type;
-};
-constexpr TimeField kTimeFields[] = {
-    {"SimpleSequence", "time"},  // 0
-    {"Cycle", "date"},           // 1
-    {"Year", "date"},            // 2
-    {"Quarter", "date"},         // 3
-    {"Month", "date"},           // 4
-    {"Week", "date"},            // 5
-    {"Day", "date"},             // 6
-    {"Hour", "time"},            // 7
-    {"Minute", "time"},          // 8
-    {"Second", "time"},          // 9
-    {"Obs", "time"},             // 10
-};
+// The data type of the time field of each date specification period type,
+// SimpleSequence to Obs; the field is named as the period type.
+constexpr const char* kTimeFieldTypes[] = {
+    "time", "date", "date", "date", "date", "date",
+    "date", "time", "time", "time", "time"};
+static_assert(sizeof kTimeFieldTypes / sizeof kTimeFieldTypes[0] ==
+                  TSXDateSpec::Obs + 1,
+              "one time field type per period type");
 
 const std::string& DefaultTimeFieldName() {
   static const std::string name = "Month";
@@ -68,10 +59,10 @@ void AddFullDataField(XMLElement& dictionary, const std::string& name,
 }  // namespace
 
 bool TimeFieldOfPeriod(int periodType, std::string& name, std::string& type) {
-  constexpr int kCount = sizeof kTimeFields / sizeof kTimeFields[0];
-  if (periodType < 0 || periodType >= kCount) return false;
-  name = kTimeFields[periodType].name;
-  type = kTimeFields[periodType].type;
+  const char* periodName = TSXDateSpec::PeriodTypeName(periodType);
+  if (periodName == nullptr) return false;
+  name = periodName;
+  type = kTimeFieldTypes[periodType];
   return true;
 }
 
@@ -116,11 +107,7 @@ void TSXPMMLDocument::SetApplication(std::string name, std::string version,
   copyright_ = std::move(copyright);
 }
 
-void TSXPMMLDocument::SetDateFieldName(std::string name) {
-  dateFieldName_ = std::move(name);
-}
-
-void TSXPMMLDocument::SetDateFieldType(std::string type) {
+void TSXPMMLDocument::SetDateFieldType(std::string type) noexcept {
   dateFieldType_ = std::move(type);
 }
 
@@ -144,18 +131,14 @@ bool TSXPMMLDocument::AddModel(const TSFModel& model,
 
   std::unique_ptr<XMLElement> element;
   if (state) {
-    element.reset(BuildESModel(last->summary, state->GetESModelSpec(), refs,
-                               state->GetParameters(), *state,
+    element.reset(BuildESModel(last->summary, TimeFieldName(),
+                               esPMMLOutputTimeValue_, refs, *state,
                                imp->GetEstimationInfo(), history));
     modelElements_.reserve(modelElements_.size() + 1);
     modelElements_.push_back(element.release());  // no throw after reserve
   }
   last_.swap(last);
   return true;
-}
-
-const XMLElement* TSXPMMLDocument::GetModelElement(size_t index) const {
-  return index < modelElements_.size() ? modelElements_[index] : nullptr;
 }
 
 bool TSXPMMLDocument::Write(std::ostream& stream, bool complete,

@@ -18,9 +18,6 @@
 #include "tsxml/base/dictionary_refs.h"
 #include "tsxml/xml/xml_node.h"
 
-class ESForecastState;
-class ESModelSpec;
-class EstimationInfo;
 class TSXDateSpec;
 
 namespace tsxml {
@@ -58,12 +55,11 @@ class TSXPMMLDocument {
   void SetApplication(std::string name, std::string version,
                       std::string copyright);
 
-  // The time field, such as "Month" and "date". Until both are set the
-  // documents name the field "Month", of type "date".
-  void SetDateFieldName(std::string name);
-  void SetDateFieldType(std::string type);
-  // Sets both at once; moves only, so nothing can fail.
+  // The time field, such as "Month" and "date"; moves only, so nothing can
+  // fail. Until both are set the documents name the field "Month", of type
+  // "date".
   void SetDateField(std::string name, std::string type) noexcept;
+  void SetDateFieldType(std::string type) noexcept;
 
   // Whether exponential smoothing models added from now on carry their
   // observed series in a "TimeSeries" element.
@@ -84,11 +80,6 @@ class TSXPMMLDocument {
   bool Write(std::ostream& stream, bool complete,
              XMLElement* dateSpecExtension);
 
-  // The model elements in the order of adding; null past the end. The
-  // document keeps ownership.
-  size_t GetModelElementCount() const { return modelElements_.size(); }
-  const XMLElement* GetModelElement(size_t index) const;
-
  private:
   // What the model added last decides; replaced as a whole by each add.
   struct LastModel {
@@ -96,20 +87,6 @@ class TSXPMMLDocument {
     TSXDictionaryRefs dictionaryRefs;
     bool lastModelIsES = true;
   };
-
-  // The "TimeSeriesModel" element of an exponential smoothing model, from
-  // `summary` and the document's time field and TimeSeries flag. A missing
-  // value in the final state drops what depends on it; any other missing
-  // value is written as its number text, and so is "phi" of a damped trend
-  // model whose specification has no damping parameter. Caller owns the
-  // result.
-  XMLElement* BuildESModel(const TSXModelSummary& summary,
-                           const ESModelSpec& spec,
-                           const TSXDictionaryRefs& refs,
-                           const std::valarray<double>& parameterEstimates,
-                           const ESForecastState& forecastState,
-                           const EstimationInfo& estimationInfo,
-                           const std::valarray<double>& history) const;
 
   // The root "PMML" with its "Header". Caller owns the result.
   XMLElement* MakeRoot() const;

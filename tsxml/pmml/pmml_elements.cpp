@@ -4,6 +4,8 @@
 #include <utility>
 
 #include "tsxml/base/missing_value.h"
+#include "tsxml/modelapi/outlier_spec.h"
+#include "tsxml/native/model_elements.h"
 #include "tsxml/base/vendor.h"
 #include "tsxml/xml/number_text.h"
 
@@ -102,13 +104,8 @@ XMLElement* AddContainerExtension(XMLElement& parent, std::string name) {
 void AddDoubleListText(XMLElement& element, const double* values,
                        size_t count) {
   if (values == nullptr || count == 0) return;
-  std::string text;
-  for (size_t i = 0; i < count; ++i) {
-    if (!text.empty()) text += ' ';
-    text += MV::IsMissing(values[i]) ? std::string("NaN")
-                                     : Format(values[i], false, nullptr);
-  }
-  std::unique_ptr<XMLString> node(XMLString::Create(text));
+  std::unique_ptr<XMLString> node(XMLString::Create(
+      ValueText(values, count, InfinityText::kNumberText)));
   element.AddElement(node.release());
 }
 
@@ -146,10 +143,8 @@ std::string TransformationName(unsigned kind) {
 }
 
 std::string OutlierTypeName(unsigned type) {
-  static constexpr const char* kWords[] = {
-      "none",  "additive",     "level",         "transient", "seasonalAdditive",
-      "trend", "innovational", "varianceChange"};
-  return type < sizeof kWords / sizeof kWords[0] ? kWords[type] : "";
+  const char* name = TSOutlierSpec::TypeName(type);
+  return name ? name : "";
 }
 
 }  // namespace tsxml
