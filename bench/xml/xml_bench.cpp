@@ -63,9 +63,9 @@ void BM_FormatDouble(benchmark::State& state) {
   }
   state.SetItemsProcessed(state.iterations());
 }
-BENCHMARK_TEMPLATE(BM_FormatDouble, internal::FormatGeneral15)
+BENCHMARK_TEMPLATE(BM_FormatDouble, tsxml::FormatGeneral15)
     ->Name("Format/to_chars");
-BENCHMARK_TEMPLATE(BM_FormatDouble, internal::FormatGeneral15ViaStream)
+BENCHMARK_TEMPLATE(BM_FormatDouble, tsxml::FormatGeneral15ViaStream)
     ->Name("Format/ostringstream");
 
 void BM_FormatLong(benchmark::State& state) {

@@ -9,7 +9,7 @@
 
 namespace {
 
-using OstraTimeXML::internal::LineTokenizer;
+using tsxml::LineTokenizer;
 
 // Over random lines and random delimiter sets, the tokenizer gives the tokens
 // of strtok at the same places and leaves the same bytes in the line.

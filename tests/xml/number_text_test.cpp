@@ -42,7 +42,7 @@ TEST(NumberText, DefaultRouteTable) {
             "4.94065645841247e-324");
   // Values that are not finite read as the stream prints them.
   for (double value : {HUGE_VAL, -HUGE_VAL, std::nan(""), -std::nan("")}) {
-    EXPECT_EQ(Plain(value), internal::FormatGeneral15ViaStream(value));
+    EXPECT_EQ(Plain(value), tsxml::FormatGeneral15ViaStream(value));
   }
   EXPECT_EQ(Plain(-HUGE_VAL), "-inf");
 }
@@ -132,8 +132,8 @@ TEST(NumberText, FastRouteMatchesStreamOnAMillionDoubles) {
   const std::vector<double> values = ManyDoubles();
   ASSERT_GE(values.size(), 1000000u);
   for (double value : values) {
-    ASSERT_EQ(internal::FormatGeneral15(value),
-              internal::FormatGeneral15ViaStream(value))
+    ASSERT_EQ(tsxml::FormatGeneral15(value),
+              tsxml::FormatGeneral15ViaStream(value))
         << std::hexfloat << value;
   }
 }
@@ -169,7 +169,7 @@ TEST(NumberTextLocale, GlobalStreamLocaleIsIgnored) {
   }
   const std::locale old = std::locale::global(comma);
   const std::string plain = Format(1234.5, false, nullptr);
-  const std::string stream = internal::FormatGeneral15ViaStream(1234.5);
+  const std::string stream = tsxml::FormatGeneral15ViaStream(1234.5);
   std::locale::global(old);
   std::setlocale(LC_ALL, "C");
   EXPECT_EQ(plain, "1234.5");

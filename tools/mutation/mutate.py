@@ -228,7 +228,7 @@ def select(mutants, count, seed=SEED):
     files = sorted(by_file)
     lines = {f: len({mu["line"] for mu in by_file[f]}) for f in files}
     total = sum(lines.values())
-    floor = max(1, min(MIN_PER_FILE, count // len(files)))
+    floor = min(MIN_PER_FILE, count // len(files))   # 0 when files outnumber count
     want = {f: count * lines[f] / total for f in files}
     quota = {f: min(len(by_file[f]), max(floor, round(want[f]))) for f in files}
     while sum(quota.values()) > count:

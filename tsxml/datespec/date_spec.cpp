@@ -5,7 +5,7 @@
 
 #include "tsxml/datespec/internal/date_spec_imp.h"
 
-using datespec::internal::AsSigned;
+using tsxml::AsSigned;
 using Tuple = TSXDateSpec::TSXIndexTuple;
 
 const char* TSXDateSpec::PeriodTypeName(int32_t type) {
@@ -80,7 +80,7 @@ int32_t Tuple::ClosestCaseOffset(bool forward) const {
 
 TSXDateSpec::TSXDateSpec(PeriodType type) : imp_(nullptr) {
   if (type == Obs) {
-    throw OstraTime::OstraStatus(datespec::internal::kObsFirstPeriod, false);
+    throw OstraTime::OstraStatus(tsxml::kObsFirstPeriod, false);
   }
   imp_ = new TSXDateSpecImp(type);
 }

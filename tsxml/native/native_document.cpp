@@ -100,9 +100,9 @@ bool TSXNativeDocument::Write(std::ostream& os, bool complete,
   }
   root->AddElement(dictionary.release());
 
-  OstraTimeXML::internal::ChildLoan loan(*root, models_);
-  os.write(OstraTimeXML::internal::kXMLDeclaration,
-           OstraTimeXML::internal::kXMLDeclarationLength);
+  ChildLoan loan(*root, models_);
+  os.write(kXMLDeclaration,
+           kXMLDeclarationLength);
   ExportFormat format;
   root->ToStream(os, format, false);
   loan.Keep();

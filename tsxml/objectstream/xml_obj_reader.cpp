@@ -38,7 +38,7 @@ class Line {
   // afterwards (a line of 256 characters or more sets the fail bit).
   bool Read(std::istream& is) {
     is.getline(text_, sizeof text_);
-    tokens_ = internal::LineTokenizer(text_);
+    tokens_ = tsxml::LineTokenizer(text_);
     return !is.fail();
   }
 
@@ -64,7 +64,7 @@ class Line {
 
  private:
   char text_[256];
-  internal::LineTokenizer tokens_;
+  tsxml::LineTokenizer tokens_;
 };
 
 // Reads a member line up to its value: the tag `tag` with the member set, then

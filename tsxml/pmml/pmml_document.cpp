@@ -14,9 +14,6 @@
 namespace tsxml {
 
 using OstraTimeXML::ExportFormat;
-using OstraTimeXML::internal::ChildLoan;
-using OstraTimeXML::internal::kXMLDeclaration;
-using OstraTimeXML::internal::kXMLDeclarationLength;
 
 namespace {
 

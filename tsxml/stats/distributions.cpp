@@ -10,7 +10,7 @@
 
 namespace {
 
-namespace tables = internal;
+namespace tables = tsxml;
 
 constexpr double kMissing = MV::gMissingValue;
 constexpr double kPi = 3.14159265358979323846;

@@ -9,8 +9,7 @@
 
 #include "tsxml/xml/internal/number_format.h"
 
-namespace OstraTimeXML {
-namespace internal {
+namespace tsxml {
 
 std::string FormatGeneral15ViaStream(double value) {
   std::ostringstream stream;
@@ -28,7 +27,9 @@ std::string FormatGeneral15(double value) {
   return std::string(text, result.ptr);
 }
 
-}  // namespace internal
+}  // namespace tsxml
+
+namespace OstraTimeXML {
 
 namespace {
 constexpr char kDefaultNumericFormat[] = "%.15g";
@@ -57,7 +58,7 @@ std::string Format(long value) {
 }
 
 std::string ReplaceSep(double value, char*) {
-  return internal::FormatGeneral15(value);
+  return tsxml::FormatGeneral15(value);
 }
 
 std::string GetDefaultNumericFormat() { return kDefaultNumericFormat; }

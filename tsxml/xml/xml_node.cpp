@@ -15,8 +15,8 @@
 namespace OstraTimeXML {
 namespace {
 
-using internal::OutputBuffer;
-using internal::XMLNodeAccess;
+using tsxml::OutputBuffer;
+using tsxml::XMLNodeAccess;
 
 int ClampedSize(std::size_t size) {
   return size > static_cast<std::size_t>(INT_MAX) ? INT_MAX
@@ -59,7 +59,7 @@ int WriteDocument(std::ostream& os, const XMLDocType* docType,
   if (docType != nullptr) {
     docType->ToStream(os, exportFormat, utf8);
   } else {
-    const std::string line = std::string(internal::kXMLDeclaration) + '\n';
+    const std::string line = std::string(tsxml::kXMLDeclaration) + '\n';
     if (utf8) {
       WriteUTF(os, line);
     } else {
@@ -228,7 +228,7 @@ int Write(std::ostream& os, const std::string& text) {
 
 int WriteUTF(std::ostream& os, const std::string& text) {
   std::string converted;
-  internal::NarrowToUtf8().Append(text.data(), text.size(), converted);
+  tsxml::NarrowToUtf8().Append(text.data(), text.size(), converted);
   return Write(os, converted);
 }
 

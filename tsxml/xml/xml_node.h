@@ -12,11 +12,11 @@
 
 #include "tsxml/base/export.h"
 
-namespace OstraTimeXML {
-
-namespace internal {
+namespace tsxml {
 struct XMLNodeAccess;
-}  // namespace internal
+}  // namespace tsxml
+
+namespace OstraTimeXML {
 
 // Layout flags and nesting depth, passed down (and changed) by serialisation.
 // `level` rises by one per nesting step and is back at its entry value when an
@@ -79,7 +79,7 @@ class TSXML_API XMLAttribute : public XMLInterface {
 
  private:
   XMLAttribute(const std::string& name, const std::string& value);
-  friend struct internal::XMLNodeAccess;
+  friend struct tsxml::XMLNodeAccess;
 
   std::string name_;
   std::string value_;
@@ -99,7 +99,7 @@ class TSXML_API XMLString : public XMLInterface {
 
  private:
   explicit XMLString(const std::string& text);
-  friend struct internal::XMLNodeAccess;
+  friend struct tsxml::XMLNodeAccess;
 
   std::string text_;
 };
@@ -126,7 +126,7 @@ class TSXML_API XMLDocType : public XMLInterface {
  private:
   XMLDocType(const std::string& name, const std::string& systemId,
              long userValue);
-  friend struct internal::XMLNodeAccess;
+  friend struct tsxml::XMLNodeAccess;
 
   std::string name_;
   std::string systemId_;
@@ -167,7 +167,7 @@ class TSXML_API XMLElement : public XMLInterface {
   explicit XMLElement(const std::string& name);
 
  private:
-  friend struct internal::XMLNodeAccess;
+  friend struct tsxml::XMLNodeAccess;
 
   std::vector<XMLAttribute*> attributes_;
   std::string name_;

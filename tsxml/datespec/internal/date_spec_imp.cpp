@@ -8,8 +8,8 @@
 
 namespace {
 
-using datespec::internal::AsSigned;
-using datespec::internal::DivideTowardZero;
+using tsxml::AsSigned;
+using tsxml::DivideTowardZero;
 using Status = OstraTime::OstraStatus;
 using Period = TSXDateSpecImp::Period;
 
@@ -31,7 +31,7 @@ int Family(TSXDateSpec::PeriodType type) {
   }
 }
 
-Status Failure(datespec::internal::StatusCode code) {
+Status Failure(tsxml::StatusCode code) {
   return Status(code, false);
 }
 
@@ -59,7 +59,7 @@ Status TSXDateSpecImp::AddPeriod(PeriodType type, uint32_t cycleLength,
                                  uint32_t subCycleLength) {
   const uint32_t length = subCycleLength != 0 ? subCycleLength : cycleLength;
   if (cycleLength < 2 || length + subCycleStart > cycleLength) {
-    return Failure(datespec::internal::kBadCycle);
+    return Failure(tsxml::kBadCycle);
   }
   const size_t count = periods_.size();
   size_t position = 0;
@@ -67,7 +67,7 @@ Status TSXDateSpecImp::AddPeriod(PeriodType type, uint32_t cycleLength,
     ++position;
   }
   if (position == 0 || type == TSXDateSpec::Cycle) {
-    return Failure(datespec::internal::kBadPosition);
+    return Failure(tsxml::kBadPosition);
   }
   const bool replacing =
       position < count && periods_[position].periodType == type;
@@ -80,7 +80,7 @@ Status TSXDateSpecImp::AddPeriod(PeriodType type, uint32_t cycleLength,
       reference = Family(periods_[1].periodType);
     }
     if (Family(type) * reference < 0) {
-      return Failure(datespec::internal::kFamilyClash);
+      return Failure(tsxml::kFamilyClash);
     }
   }
 
@@ -93,20 +93,20 @@ Status TSXDateSpecImp::AddPeriod(PeriodType type, uint32_t cycleLength,
       other = replacing ? position + 1 : position;
     }
     if (other < count && IsQuarterOrMonth(periods_[other].periodType)) {
-      const bool is_quarter = type == TSXDateSpec::Quarter;
-      if (!QuarterFitsMonth(is_quarter ? record : periods_[other],
-                            is_quarter ? periods_[other] : record)) {
-        return Failure(datespec::internal::kQuarterMonthMismatch);
+      const bool isQuarter = type == TSXDateSpec::Quarter;
+      if (!QuarterFitsMonth(isQuarter ? record : periods_[other],
+                            isQuarter ? periods_[other] : record)) {
+        return Failure(tsxml::kQuarterMonthMismatch);
       }
       link = !replacing;
     }
   }
   const bool last = replacing ? position + 1 == count : position == count;
-  if (last && length % lowest_increment_ != 0) {
-    return Failure(datespec::internal::kBadIncrement);
+  if (last && length % lowestIncrement_ != 0) {
+    return Failure(tsxml::kBadIncrement);
   }
   if (!replacing && count >= TSXDateSpec::TSXIndexTuple::kMaxIndexes) {
-    return Failure(datespec::internal::kTooManyPeriods);
+    return Failure(tsxml::kTooManyPeriods);
   }
 
   if (replacing) {
@@ -117,9 +117,9 @@ Status TSXDateSpecImp::AddPeriod(PeriodType type, uint32_t cycleLength,
     strides_.reserve(count + 1);
     periods_.insert(periods_.begin() + position, record);
     strides_.push_back(1);
-    if (linked_quarter_ != 0 && position <= linked_quarter_) ++linked_quarter_;
+    if (linkedQuarter_ != 0 && position <= linkedQuarter_) ++linkedQuarter_;
     if (link) {
-      linked_quarter_ = static_cast<uint32_t>(
+      linkedQuarter_ = static_cast<uint32_t>(
           type == TSXDateSpec::Quarter ? position : position - 1);
     }
   }
@@ -129,39 +129,39 @@ Status TSXDateSpecImp::AddPeriod(PeriodType type, uint32_t cycleLength,
 
 void TSXDateSpecImp::Rebuild() {
   for (Period& period : periods_) period.firstIndex = period.subCycleStart;
-  first_case_number_ = 0;
-  first_case_day_ = first_case_month_ = first_case_year_ = 0;
+  firstCaseNumber_ = 0;
+  firstCaseDay_ = firstCaseMonth_ = firstCaseYear_ = 0;
   gaps_.clear();
-  virtual_gaps_.clear();
+  virtualGaps_.clear();
   uint32_t running = 1;
   for (size_t i = periods_.size(); i-- > 0;) {
-    if (i != 0 && i == linked_quarter_) {
+    if (i != 0 && i == linkedQuarter_) {
       strides_[i] = 1;
       continue;
     }
     strides_[i] = running;
     uint32_t length = periods_[i].subCycleLength;
-    if (i + 1 == periods_.size()) length /= lowest_increment_;
+    if (i + 1 == periods_.size()) length /= lowestIncrement_;
     running *= length;
   }
 }
 
 Status TSXDateSpecImp::SetLowestIncrement(uint32_t increment) {
   if (periods_[0].periodType == TSXDateSpec::SimpleSequence) {
-    return Failure(datespec::internal::kSimpleSequenceFirst);
+    return Failure(tsxml::kSimpleSequenceFirst);
   }
   if (increment == 0 || periods_.back().subCycleLength % increment != 0) {
-    return Failure(datespec::internal::kBadIncrement);
+    return Failure(tsxml::kBadIncrement);
   }
-  lowest_increment_ = increment;
+  lowestIncrement_ = increment;
   Rebuild();
   return Status();
 }
 
 Status TSXDateSpecImp::AddGap(int32_t offset) {
-  if (offset <= 0) return Failure(datespec::internal::kOffsetNotPositive);
+  if (offset <= 0) return Failure(tsxml::kOffsetNotPositive);
   if (periods_[0].periodType == TSXDateSpec::SimpleSequence) {
-    return Failure(datespec::internal::kSimpleSequenceFirst);
+    return Failure(tsxml::kSimpleSequenceFirst);
   }
   auto at = std::lower_bound(gaps_.begin(), gaps_.end(), offset);
   if (at != gaps_.end() && *at == offset) return Status();
@@ -176,29 +176,29 @@ Status TSXDateSpecImp::AddGap(int32_t offset) {
 
 Status TSXDateSpecImp::AddGap(const Tuple& tuple) {
   if (!tuple.IsValidFor(*this)) {
-    return Failure(datespec::internal::kForeignTuple);
+    return Failure(tsxml::kForeignTuple);
   }
   return AddGap(TupleOffset(tuple.count_, tuple.indexes_));
 }
 
 void TSXDateSpecImp::ClearGaps() {
   gaps_.clear();
-  virtual_gaps_.clear();
+  virtualGaps_.clear();
 }
 
 void TSXDateSpecImp::CommitGaps(std::vector<int32_t> gaps) {
   // Gaps are distinct and above 0, so gaps[i] > i and nothing overflows.
-  std::vector<int32_t> virtual_gaps(gaps);
-  for (size_t i = 0; i < virtual_gaps.size(); ++i) {
-    virtual_gaps[i] -= static_cast<int32_t>(i);
+  std::vector<int32_t> virtualGaps(gaps);
+  for (size_t i = 0; i < virtualGaps.size(); ++i) {
+    virtualGaps[i] -= static_cast<int32_t>(i);
   }
   gaps_.swap(gaps);
-  virtual_gaps_.swap(virtual_gaps);
+  virtualGaps_.swap(virtualGaps);
 }
 
 Status TSXDateSpecImp::SetFirstCaseIndex(const Tuple& tuple) {
   if (!tuple.IsValidFor(*this)) {
-    return Failure(datespec::internal::kForeignTuple);
+    return Failure(tsxml::kForeignTuple);
   }
   const size_t count = periods_.size();
   const uint32_t* indexes = tuple.indexes_;
@@ -217,19 +217,19 @@ Status TSXDateSpecImp::SetFirstCaseIndex(const Tuple& tuple) {
   // The case number counts from the sub-cycle starts, not the old first case.
   uint32_t number = indexes[0];
   for (size_t i = 1; i < count; ++i) {
-    if (i == linked_quarter_) continue;
+    if (i == linkedQuarter_) continue;
     number = number * periods_[i].subCycleLength +
              (indexes[i] - periods_[i].subCycleStart);
   }
-  int32_t signed_number = AsSigned(number);
-  if (signed_number > 0) {
-    signed_number = DivideTowardZero(signed_number, lowest_increment_);
+  int32_t signedNumber = AsSigned(number);
+  if (signedNumber > 0) {
+    signedNumber = DivideTowardZero(signedNumber, lowestIncrement_);
   }
 
   CommitGaps(std::move(gaps));
   for (size_t i = 0; i < count; ++i) periods_[i].firstIndex = indexes[i];
-  first_case_number_ = static_cast<uint64_t>(int64_t{signed_number});
-  first_case_day_ = first_case_month_ = first_case_year_ = 0;
+  firstCaseNumber_ = static_cast<uint64_t>(int64_t{signedNumber});
+  firstCaseDay_ = firstCaseMonth_ = firstCaseYear_ = 0;
   return Status();
 }
 
@@ -246,22 +246,22 @@ bool TSXDateSpecImp::SetFirstCaseDay(uint32_t day, uint32_t month,
     return false;
   }
   if (!HasPeriod(TSXDateSpec::Day)) return false;
-  first_case_day_ = day;
-  first_case_month_ = month;
-  first_case_year_ = year;
+  firstCaseDay_ = day;
+  firstCaseMonth_ = month;
+  firstCaseYear_ = year;
   return true;
 }
 
 void TSXDateSpecImp::GetFirstCaseDay(uint32_t& day, uint32_t& month,
                                      uint32_t& year) const {
-  day = first_case_day_;
-  month = first_case_month_;
-  year = first_case_year_;
+  day = firstCaseDay_;
+  month = firstCaseMonth_;
+  year = firstCaseYear_;
 }
 
 uint32_t TSXDateSpecImp::DefaultSeasonLength() const {
   const uint32_t length = periods_.back().subCycleLength;
-  return length == 0 ? 1 : length / lowest_increment_;
+  return length == 0 ? 1 : length / lowestIncrement_;
 }
 
 bool TSXDateSpecImp::IsEquivalent(const TSXDateSpecImp& other,
@@ -277,7 +277,7 @@ bool TSXDateSpecImp::IsEquivalent(const TSXDateSpecImp& other,
       return false;
     }
   }
-  if (lowest_increment_ != other.lowest_increment_) return false;
+  if (lowestIncrement_ != other.lowestIncrement_) return false;
   return !strict || gaps_ == other.gaps_;
 }
 
@@ -291,13 +291,13 @@ bool TSXDateSpecImp::IndexesAreValid(size_t count,
       return false;
     }
   }
-  if (linked_quarter_ != 0 &&
-      indexes[linked_quarter_] != indexes[linked_quarter_ + 1] / 3) {
+  if (linkedQuarter_ != 0 &&
+      indexes[linkedQuarter_] != indexes[linkedQuarter_ + 1] / 3) {
     return false;
   }
-  if (lowest_increment_ >= 2 && count != 0 &&
+  if (lowestIncrement_ >= 2 && count != 0 &&
       (indexes[count - 1] - periods_.back().subCycleStart) %
-              lowest_increment_ !=
+              lowestIncrement_ !=
           0) {
     return false;
   }
@@ -310,11 +310,11 @@ int32_t TSXDateSpecImp::TupleOffset(size_t count,
   // The full sub-cycle of the last period; the increment divides out last.
   uint32_t value = indexes[0] - periods_[0].firstIndex;
   for (size_t i = 1; i < count; ++i) {
-    if (i == linked_quarter_) continue;
+    if (i == linkedQuarter_) continue;
     value = value * periods_[i].subCycleLength +
             (indexes[i] - periods_[i].firstIndex);
   }
-  return DivideTowardZero(AsSigned(value), lowest_increment_);
+  return DivideTowardZero(AsSigned(value), lowestIncrement_);
 }
 
 TSXDateSpecImp::Tuple TSXDateSpecImp::TupleFromNumber(uint64_t number) const {
@@ -322,17 +322,17 @@ TSXDateSpecImp::Tuple TSXDateSpecImp::TupleFromNumber(uint64_t number) const {
   const size_t count = periods_.size();
   uint32_t result[Tuple::kMaxIndexes] = {};
   for (size_t i = 0; i < count; ++i) {
-    if (i != 0 && i == linked_quarter_) continue;
+    if (i != 0 && i == linkedQuarter_) continue;
     const uint32_t stride = strides_[i];
     uint64_t q = stride == 0 ? 0 : number / stride;
     // The product is taken in 32 bits, so the first period keeps whatever
     // a wrapped product leaves over.
     number -= uint32_t{stride * static_cast<uint32_t>(q)};
-    if (i + 1 == count) q *= lowest_increment_;
+    if (i + 1 == count) q *= lowestIncrement_;
     result[i] = periods_[i].subCycleStart + static_cast<uint32_t>(q);
   }
-  if (linked_quarter_ != 0) {
-    result[linked_quarter_] = result[linked_quarter_ + 1] / 3;
+  if (linkedQuarter_ != 0) {
+    result[linkedQuarter_] = result[linkedQuarter_ + 1] / 3;
   }
   if (IndexesAreValid(count, result)) {
     std::copy(result, result + count, tuple.indexes_);
@@ -352,7 +352,7 @@ TSXDateSpecImp::Tuple TSXDateSpecImp::FirstCaseIndex() const {
 
 TSXDateSpecImp::Tuple TSXDateSpecImp::GapIndex(size_t i) const {
   if (i >= gaps_.size()) return FirstCaseIndex();
-  return TupleFromNumber(first_case_number_ + static_cast<uint64_t>(gaps_[i]));
+  return TupleFromNumber(firstCaseNumber_ + static_cast<uint64_t>(gaps_[i]));
 }
 
 int32_t TSXDateSpecImp::CaseOffset(int32_t offset) const {
@@ -372,18 +372,18 @@ int32_t TSXDateSpecImp::ClosestOffset(int32_t offset, int direction) const {
 int32_t TSXDateSpecImp::VirtualCaseOffset(int32_t offset) const {
   if (offset < 1 || gaps_.empty()) return offset;
   const auto at =
-      std::upper_bound(virtual_gaps_.begin(), virtual_gaps_.end(), offset);
-  const auto passed = static_cast<uint32_t>(at - virtual_gaps_.begin());
+      std::upper_bound(virtualGaps_.begin(), virtualGaps_.end(), offset);
+  const auto passed = static_cast<uint32_t>(at - virtualGaps_.begin());
   return AsSigned(static_cast<uint32_t>(offset) + passed);
 }
 
 uint64_t TSXDateSpecImp::NumberFromOffset(int32_t offset) const {
-  if (offset >= 0) return first_case_number_ + static_cast<uint64_t>(offset);
+  if (offset >= 0) return firstCaseNumber_ + static_cast<uint64_t>(offset);
   const uint64_t back = static_cast<uint64_t>(-int64_t{offset});
-  return back > first_case_number_ ? 0 : first_case_number_ - back;
+  return back > firstCaseNumber_ ? 0 : firstCaseNumber_ - back;
 }
 
 int32_t TSXDateSpecImp::OffsetFromNumber(uint64_t number) const {
   return AsSigned(static_cast<uint32_t>(number) -
-                  static_cast<uint32_t>(first_case_number_));
+                  static_cast<uint32_t>(firstCaseNumber_));
 }

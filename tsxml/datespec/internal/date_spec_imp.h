@@ -10,7 +10,7 @@
 #include "tsxml/datespec/date_spec.h"
 #include "tsxml/base/status.h"
 
-namespace datespec::internal {
+namespace tsxml {
 
 // The status codes of date specification operations.
 enum StatusCode : long {
@@ -34,7 +34,7 @@ inline int32_t DivideTowardZero(int32_t value, uint32_t divisor) {
   return static_cast<int32_t>(int64_t{value} / int64_t{divisor});
 }
 
-}  // namespace datespec::internal
+}  // namespace tsxml
 
 // Owned by exactly one TSXDateSpec; tuples point to it. Mutating operations
 // do every check, then make whatever allocation they need, and only then
@@ -64,15 +64,15 @@ class TSXDateSpecImp {
   void ClearGaps();
   Status SetFirstCaseIndex(const Tuple& tuple);
   void SetForcedSeasonLength(uint32_t length) {
-    forced_season_length_ = length;
+    forcedSeasonLength_ = length;
   }
-  void SetFiscalYearStart(uint32_t start) { fiscal_year_start_ = start; }
+  void SetFiscalYearStart(uint32_t start) { fiscalYearStart_ = start; }
   bool SetFirstCaseDay(uint32_t day, uint32_t month, uint32_t year);
 
   const std::vector<Period>& Periods() const { return periods_; }
-  uint32_t LowestIncrement() const { return lowest_increment_; }
-  uint32_t ForcedSeasonLength() const { return forced_season_length_; }
-  uint32_t FiscalYearStart() const { return fiscal_year_start_; }
+  uint32_t LowestIncrement() const { return lowestIncrement_; }
+  uint32_t ForcedSeasonLength() const { return forcedSeasonLength_; }
+  uint32_t FiscalYearStart() const { return fiscalYearStart_; }
   void GetFirstCaseDay(uint32_t& day, uint32_t& month, uint32_t& year) const;
   size_t GapCount() const { return gaps_.size(); }
   uint32_t DefaultSeasonLength() const;
@@ -113,18 +113,18 @@ class TSXDateSpecImp {
   bool HasPeriod(PeriodType type) const;
 
   std::vector<Period> periods_;
-  uint32_t lowest_increment_ = 1;
+  uint32_t lowestIncrement_ = 1;
   std::vector<int32_t> gaps_;
-  uint32_t forced_season_length_ = 0;
-  uint32_t first_case_day_ = 0;
-  uint32_t first_case_month_ = 0;
-  uint32_t first_case_year_ = 0;
-  uint32_t fiscal_year_start_ = 0;
+  uint32_t forcedSeasonLength_ = 0;
+  uint32_t firstCaseDay_ = 0;
+  uint32_t firstCaseMonth_ = 0;
+  uint32_t firstCaseYear_ = 0;
+  uint32_t fiscalYearStart_ = 0;
   std::vector<uint32_t> strides_;
-  std::vector<int32_t> virtual_gaps_;
+  std::vector<int32_t> virtualGaps_;
   // Position of a Quarter tied to the Month right after it; 0 for none.
-  uint32_t linked_quarter_ = 0;
-  uint64_t first_case_number_ = 0;
+  uint32_t linkedQuarter_ = 0;
+  uint64_t firstCaseNumber_ = 0;
 };
 
 #endif  // TSXML_DATESPEC_INTERNAL_DATE_SPEC_IMP_H

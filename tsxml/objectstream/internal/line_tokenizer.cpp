@@ -2,8 +2,7 @@
 
 #include <cstring>
 
-namespace OstraTimeXML {
-namespace internal {
+namespace tsxml {
 
 char* LineTokenizer::Next(const char* delims) {
   if (next_ == nullptr) return nullptr;
@@ -22,5 +21,4 @@ char* LineTokenizer::Next(const char* delims) {
   return start;
 }
 
-}  // namespace internal
-}  // namespace OstraTimeXML
+}  // namespace tsxml

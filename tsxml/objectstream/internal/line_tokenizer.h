@@ -4,8 +4,7 @@
 #ifndef TSXML_OBJECTSTREAM_INTERNAL_LINE_TOKENIZER_H
 #define TSXML_OBJECTSTREAM_INTERNAL_LINE_TOKENIZER_H
 
-namespace OstraTimeXML {
-namespace internal {
+namespace tsxml {
 
 class LineTokenizer {
  public:
@@ -23,7 +22,6 @@ class LineTokenizer {
   char* next_;  // Null once the line is used up.
 };
 
-}  // namespace internal
-}  // namespace OstraTimeXML
+}  // namespace tsxml
 
 #endif  // TSXML_OBJECTSTREAM_INTERNAL_LINE_TOKENIZER_H

@@ -6,7 +6,7 @@
 #ifndef TSXML_STATS_INTERNAL_DISTRIBUTION_TABLES_H
 #define TSXML_STATS_INTERNAL_DISTRIBUTION_TABLES_H
 
-namespace internal {
+namespace tsxml {
 
 // Shapes of the tables below: rows and coefficients per row.
 inline constexpr int kErfRows = 5;
@@ -246,6 +246,6 @@ inline constexpr double kNormalQuantileF[] = {1.0,
                                               1.42151175831644588870e-7,
                                               2.04426310338993978564e-15};
 
-}  // namespace internal
+}  // namespace tsxml
 
 #endif  // TSXML_STATS_INTERNAL_DISTRIBUTION_TABLES_H

@@ -9,8 +9,7 @@
 #include "tsxml/xml/internal/node_writer.h"
 #include "tsxml/xml/xml_node.h"
 
-namespace OstraTimeXML {
-namespace internal {
+namespace tsxml {
 
 // The declaration that opens a complete document, without a line end: the
 // root's own text begins with one.
@@ -45,7 +44,6 @@ class ChildLoan {
   bool kept_ = false;
 };
 
-}  // namespace internal
-}  // namespace OstraTimeXML
+}  // namespace tsxml
 
 #endif  // TSXML_XML_INTERNAL_DOCUMENT_OUTPUT_H

@@ -6,8 +6,7 @@
 #include <cstring>
 #include <cwchar>
 
-namespace OstraTimeXML {
-namespace internal {
+namespace tsxml {
 namespace {
 
 // True when the LC_CTYPE codeset maps every byte below 128 to the same code
@@ -50,16 +49,16 @@ bool AppendCodePoint(std::uint32_t cp, std::string& out) {
 
 }  // namespace
 
-NarrowToUtf8::NarrowToUtf8() : copy_ascii_(AsciiMapsToItself()) {}
+NarrowToUtf8::NarrowToUtf8() : copyAscii_(AsciiMapsToItself()) {}
 
 bool NarrowToUtf8::Append(const char* data, std::size_t size,
                           std::string& out) const {
   const std::size_t start = out.size();
-  const bool copy_ascii = copy_ascii_;
+  const bool copyAscii = copyAscii_;
   std::mbstate_t state{};
   std::size_t i = 0;
   while (i < size) {
-    if (copy_ascii) {
+    if (copyAscii) {
       std::size_t run = i;
       while (run < size && static_cast<unsigned char>(data[run]) < 0x80) ++run;
       out.append(data + i, run - i);
@@ -79,5 +78,4 @@ bool NarrowToUtf8::Append(const char* data, std::size_t size,
   return true;
 }
 
-}  // namespace internal
-}  // namespace OstraTimeXML
+}  // namespace tsxml

@@ -6,8 +6,7 @@
 #include <cstddef>
 #include <string>
 
-namespace OstraTimeXML {
-namespace internal {
+namespace tsxml {
 
 // Converts from the character set of the LC_CTYPE locale, as it is when the
 // converter is made, to UTF-8.
@@ -22,10 +21,9 @@ class NarrowToUtf8 {
 
  private:
   // Bytes below 128 stand for themselves and are copied in runs.
-  bool copy_ascii_;
+  bool copyAscii_;
 };
 
-}  // namespace internal
-}  // namespace OstraTimeXML
+}  // namespace tsxml
 
 #endif  // TSXML_XML_INTERNAL_NARROW_TO_UTF8_H

@@ -8,8 +8,7 @@
 
 #include "tsxml/xml/internal/document_output.h"
 
-namespace OstraTimeXML {
-namespace internal {
+namespace tsxml {
 namespace {
 
 enum : unsigned char { kTextSpecial = 1, kAttributeSpecial = 2 };
@@ -68,10 +67,10 @@ void RestoreLayout(ExportFormat& format) {
 void WriteForeign(const XMLInterface& node, ExportFormat& format,
                   OutputBuffer& out) {
   out.Flush();
-  if (std::string* text = out.target_string()) {
+  if (std::string* text = out.TargetString()) {
     node.ToString(*text, format);
   } else {
-    node.ToStream(*out.target_stream(), format, out.utf8());
+    node.ToStream(*out.TargetStream(), format, out.IsUtf8());
   }
   out.Resume();
 }
@@ -251,11 +250,11 @@ void XMLNodeAccess::WriteElement(const XMLElement& root, ExportFormat& format,
 }
 
 void XMLNodeAccess::DeleteContents(XMLElement& element) noexcept {
-  auto delete_attributes = [](XMLElement& owner) {
+  auto deleteAttributes = [](XMLElement& owner) {
     for (XMLAttribute* attribute : owner.attributes_) delete attribute;
     owner.attributes_.clear();
   };
-  delete_attributes(element);
+  deleteAttributes(element);
 
   // Plain elements with children are emptied here, deepest first, before
   // they are deleted, so their destructors do not recurse.
@@ -277,7 +276,7 @@ void XMLNodeAccess::DeleteContents(XMLElement& element) noexcept {
           delete child;  // out of memory: let its own destructor recurse
           continue;
         }
-        delete_attributes(*plain);
+        deleteAttributes(*plain);
         current = plain;
         next = 0;
         continue;
@@ -310,5 +309,4 @@ void XMLNodeAccess::ReleaseChildrenFrom(XMLElement& element,
   }
 }
 
-}  // namespace internal
-}  // namespace OstraTimeXML
+}  // namespace tsxml

@@ -8,8 +8,14 @@
 #include "tsxml/xml/internal/output_buffer.h"
 #include "tsxml/xml/xml_node.h"
 
-namespace OstraTimeXML {
-namespace internal {
+namespace tsxml {
+
+using OstraTimeXML::ExportFormat;
+using OstraTimeXML::XMLAttribute;
+using OstraTimeXML::XMLDocType;
+using OstraTimeXML::XMLElement;
+using OstraTimeXML::XMLInterface;
+using OstraTimeXML::XMLString;
 
 // The node classes' private fields are read only through this friend.
 struct XMLNodeAccess {
@@ -45,7 +51,6 @@ void WriteEscapedText(const std::string& text, OutputBuffer& out);
 // Attribute value: & < > " tab LF CR, blank pairs, and a blank at either end.
 void WriteEscapedAttributeValue(const std::string& value, OutputBuffer& out);
 
-}  // namespace internal
-}  // namespace OstraTimeXML
+}  // namespace tsxml
 
 #endif  // TSXML_XML_INTERNAL_NODE_WRITER_H

@@ -5,8 +5,7 @@
 #include <cstddef>
 #include <string>
 
-namespace OstraTimeXML {
-namespace internal {
+namespace tsxml {
 
 // Room for any "%.15g" text of a double: sign, 15 digits, point, "e-308".
 constexpr std::size_t kGeneral15Capacity = 32;
@@ -19,7 +18,6 @@ std::string FormatGeneral15ViaStream(double value);
 // which gives the same bytes; the stream for infinities and NaN.
 std::string FormatGeneral15(double value);
 
-}  // namespace internal
-}  // namespace OstraTimeXML
+}  // namespace tsxml
 
 #endif  // TSXML_XML_INTERNAL_NUMBER_FORMAT_H

@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <ostream>
 
-namespace OstraTimeXML {
-namespace internal {
+namespace tsxml {
 namespace {
 
 // Bytes gathered before a stream write, and the least growth of the bytes.
@@ -14,7 +13,7 @@ constexpr std::size_t kMinGrowth = 128;
 }  // namespace
 
 OutputBuffer::OutputBuffer(std::string& out)
-    : string_target_(&out), bytes_(&out), start_(out.size()) {
+    : stringTarget_(&out), bytes_(&out), start_(out.size()) {
   cur_ = end_ = out.data() + out.size();
 }
 
@@ -25,7 +24,7 @@ OutputBuffer::OutputBuffer(std::ostream& os, bool utf8)
 }
 
 OutputBuffer::~OutputBuffer() {
-  if (string_target_ != nullptr) Trim();
+  if (stringTarget_ != nullptr) Trim();
 }
 
 void OutputBuffer::Trim() {
@@ -86,8 +85,7 @@ void OutputBuffer::Flush() {
 }
 
 void OutputBuffer::Resume() {
-  if (string_target_ != nullptr) cur_ = end_ = bytes_->data() + bytes_->size();
+  if (stringTarget_ != nullptr) cur_ = end_ = bytes_->data() + bytes_->size();
 }
 
-}  // namespace internal
-}  // namespace OstraTimeXML
+}  // namespace tsxml

@@ -10,8 +10,7 @@
 
 #include "tsxml/xml/internal/narrow_to_utf8.h"
 
-namespace OstraTimeXML {
-namespace internal {
+namespace tsxml {
 
 // Collects output bytes through a raw pointer and hands them over in bulk:
 // appended to a caller's string, or written to a stream with ostream::write.
@@ -58,9 +57,9 @@ class OutputBuffer {
   void Resume();
 
   // The destination: exactly one of the two is non-null.
-  std::string* target_string() const { return string_target_; }
-  std::ostream* target_stream() const { return stream_; }
-  bool utf8() const { return utf8_; }
+  std::string* TargetString() const { return stringTarget_; }
+  std::ostream* TargetStream() const { return stream_; }
+  bool IsUtf8() const { return utf8_; }
 
  private:
   // Makes room for at least `size` more bytes.
@@ -69,7 +68,7 @@ class OutputBuffer {
   // Shrinks the string that holds the bytes to the bytes written.
   void Trim();
 
-  std::string* string_target_ = nullptr;
+  std::string* stringTarget_ = nullptr;
   std::ostream* stream_ = nullptr;
   bool utf8_ = false;
   std::string staging_;    // the bytes before they reach a stream
@@ -81,7 +80,6 @@ class OutputBuffer {
   char* end_ = nullptr;
 };
 
-}  // namespace internal
-}  // namespace OstraTimeXML
+}  // namespace tsxml
 
 #endif  // TSXML_XML_INTERNAL_OUTPUT_BUFFER_H
