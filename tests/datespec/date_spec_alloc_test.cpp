@@ -11,7 +11,6 @@
 #include "date_spec_test_util.h"
 #include "support/failing_allocator.h"
 
-
 namespace datespec_test {
 namespace {
 

@@ -4,8 +4,8 @@
 
 #include <vector>
 
-#include "tsxml/modelapi/forecast_model.h"
 #include "support/arima_fixtures.h"
+#include "tsxml/modelapi/forecast_model.h"
 
 namespace {
 

@@ -9,10 +9,10 @@
 #include <string>
 #include <vector>
 
-#include "tsxml/modelapi/forecast_model.h"
 #include "support/arima_fixtures.h"
 #include "support/model_fixtures.h"
 #include "tsxml/base/dictionary_refs.h"
+#include "tsxml/modelapi/forecast_model.h"
 
 namespace {
 

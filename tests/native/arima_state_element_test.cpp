@@ -4,8 +4,8 @@
 
 #include <memory>
 
-#include "tsxml/modelapi/forecast_model.h"
 #include "support/model_fixtures.h"
+#include "tsxml/modelapi/forecast_model.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 
 #include <memory>
 
-#include "tsxml/datespec/date_spec.h"
 #include "support/date_spec_fixtures.h"
 #include "support/model_fixtures.h"
+#include "tsxml/datespec/date_spec.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 
 #include <memory>
 
-#include "tsxml/modelapi/forecast_model.h"
 #include "support/model_fixtures.h"
 #include "tsxml/base/dictionary_refs.h"
+#include "tsxml/modelapi/forecast_model.h"
 
 namespace {
 

@@ -5,9 +5,9 @@
 #include <limits>
 #include <memory>
 
-#include "tsxml/modelapi/estimation_info.h"
-#include "tsxml/base/missing_value.h"
 #include "support/model_fixtures.h"
+#include "tsxml/base/missing_value.h"
+#include "tsxml/modelapi/estimation_info.h"
 
 namespace {
 

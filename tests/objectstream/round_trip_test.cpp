@@ -19,8 +19,8 @@
 #include <vector>
 
 #include "gtest/gtest.h"
-#include "tsxml/base/missing_value.h"
 #include "object_stream_test_util.h"
+#include "tsxml/base/missing_value.h"
 #include "tsxml/objectstream/xml_obj.h"
 #include "tsxml/objectstream/xml_obj_reader.h"
 #include "tsxml/xml/number_text.h"

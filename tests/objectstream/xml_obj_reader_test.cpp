@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "gtest/gtest.h"
-#include "tsxml/base/missing_value.h"
 #include "object_stream_test_util.h"
+#include "tsxml/base/missing_value.h"
 
 namespace {
 

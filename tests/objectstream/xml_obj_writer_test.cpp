@@ -4,8 +4,8 @@
 #include <string>
 
 #include "gtest/gtest.h"
-#include "tsxml/base/missing_value.h"
 #include "object_stream_test_util.h"
+#include "tsxml/base/missing_value.h"
 #include "tsxml/objectstream/xml_obj.h"
 
 namespace {

@@ -1,16 +1,17 @@
 // The TimeSeriesModel element of exponential smoothing models, compared as
 // whole text.
+#include "tsxml/pmml/es_model.h"
+
 #include <gtest/gtest.h>
 
 #include <limits>
 #include <memory>
 #include <string>
 
-#include "tsxml/modelapi/forecast_model.h"
-#include "tsxml/pmml/es_model.h"
-#include "tsxml/pmml/pmml_document.h"
 #include "pmml_test_util.h"
 #include "support/model_fixtures.h"
+#include "tsxml/modelapi/forecast_model.h"
+#include "tsxml/pmml/pmml_document.h"
 #include "tsxml/xml/number_text.h"
 
 namespace {

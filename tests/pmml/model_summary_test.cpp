@@ -9,10 +9,10 @@
 #include <utility>
 #include <vector>
 
-#include "tsxml/modelapi/forecast_model.h"
-#include "tsxml/modelapi/stat_util.h"
 #include "support/model_fixtures.h"
 #include "tsxml/base/dictionary_refs.h"
+#include "tsxml/modelapi/forecast_model.h"
+#include "tsxml/modelapi/stat_util.h"
 
 namespace {
 

@@ -10,8 +10,8 @@
 #include <valarray>
 #include <vector>
 
-#include "tsxml/base/missing_value.h"
 #include "support/model_fixtures.h"
+#include "tsxml/base/missing_value.h"
 #include "tsxml/xml/number_text.h"
 
 namespace {

@@ -7,9 +7,9 @@
 #include <string>
 #include <valarray>
 
+#include "support/model_fixtures.h"
 #include "tsxml/modelapi/forecast_model.h"
 #include "tsxml/pmml/pmml_document.h"
-#include "support/model_fixtures.h"
 
 namespace pmml_test {
 

@@ -10,8 +10,8 @@
 #include <limits>
 #include <vector>
 
-#include "tsxml/base/missing_value.h"
 #include "stats/distribution_tolerances.h"
+#include "tsxml/base/missing_value.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include <utility>
 #include <valarray>
 
-#include "tsxml/modelapi/forecast_model.h"
 #include "support/model_fixtures.h"
+#include "tsxml/modelapi/forecast_model.h"
 
 namespace testing_support {
 

@@ -6,11 +6,11 @@
 #include <ostream>
 #include <sstream>
 
-#include "tsxml/modelapi/forecast_model.h"
 #include "support/arima_fixtures.h"
 #include "support/date_spec_fixtures.h"
 #include "support/failing_allocator.h"
 #include "support/model_fixtures.h"
+#include "tsxml/modelapi/forecast_model.h"
 #include "tsxml/tree/tsxml_tree.h"
 
 namespace {

@@ -5,12 +5,12 @@
 #include <string>
 #include <vector>
 
-#include "tsxml/modelapi/forecast_model.h"
 #include "support/arima_fixtures.h"
 #include "support/model_fixtures.h"
+#include "tree_test_util.h"
+#include "tsxml/modelapi/forecast_model.h"
 #include "tsxml/native/model_xml_tree_maker.h"
 #include "tsxml/tree/tsxml_tree.h"
-#include "tree_test_util.h"
 
 namespace {
 

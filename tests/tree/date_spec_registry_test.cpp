@@ -4,12 +4,12 @@
 
 #include <sstream>
 
-#include "tsxml/datespec/date_spec.h"
 #include "support/date_spec_fixtures.h"
 #include "support/model_fixtures.h"
+#include "tree_test_util.h"
+#include "tsxml/datespec/date_spec.h"
 #include "tsxml/tree/tsxml_tree.h"
 #include "tsxml/tree/tsxml_tree_imp.h"
-#include "tree_test_util.h"
 
 namespace {
 

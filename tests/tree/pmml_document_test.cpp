@@ -9,13 +9,13 @@
 #include <string>
 #include <utility>
 
-#include "tsxml/datespec/date_spec.h"
-#include "tsxml/modelapi/forecast_model.h"
-#include "tsxml/native/date_spec_element.h"
 #include "pmml/pmml_test_util.h"
 #include "support/date_spec_fixtures.h"
 #include "support/model_fixtures.h"
+#include "tsxml/datespec/date_spec.h"
 #include "tsxml/datespec/date_spec_entry.h"
+#include "tsxml/modelapi/forecast_model.h"
+#include "tsxml/native/date_spec_element.h"
 #include "tsxml/tree/tsxml_tree.h"
 #include "tsxml/tree/tsxml_tree_imp.h"
 

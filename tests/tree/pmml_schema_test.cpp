@@ -12,10 +12,10 @@
 #include <sstream>
 #include <string>
 
-#include "tsxml/datespec/date_spec.h"
-#include "tsxml/modelapi/forecast_model.h"
 #include "pmml/pmml_test_util.h"
 #include "support/date_spec_fixtures.h"
+#include "tsxml/datespec/date_spec.h"
+#include "tsxml/modelapi/forecast_model.h"
 #include "tsxml/tree/tsxml_tree.h"
 #include "tsxml/xml/number_text.h"
 

@@ -2,12 +2,12 @@
 
 #include <sstream>
 
-#include "tsxml/modelapi/forecast_model.h"
 #include "support/model_fixtures.h"
+#include "tree_test_util.h"
+#include "tsxml/modelapi/forecast_model.h"
 #include "tsxml/native/model_xml_tree_maker.h"
 #include "tsxml/tree/tsxml_tree.h"
 #include "tsxml/tree/tsxml_tree_imp.h"
-#include "tree_test_util.h"
 
 namespace {
 

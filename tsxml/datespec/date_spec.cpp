@@ -10,8 +10,8 @@ using Tuple = TSXDateSpec::TSXIndexTuple;
 
 const char* TSXDateSpec::PeriodTypeName(int32_t type) {
   static constexpr const char* kNames[] = {
-      "SimpleSequence", "Cycle", "Year",   "Quarter", "Month", "Week",
-      "Day",            "Hour",  "Minute", "Second",  "Obs"};
+      "SimpleSequence", "Cycle",  "Year",   "Quarter", "Month", "Week", "Day",
+      "Hour",           "Minute", "Second", "Obs"};
   return type >= SimpleSequence && type <= Obs ? kNames[type] : nullptr;
 }
 

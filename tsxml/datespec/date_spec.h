@@ -18,8 +18,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "tsxml/base/status.h"
 #include "tsxml/base/export.h"
+#include "tsxml/base/status.h"
 
 static_assert(sizeof(unsigned) == 4, "unsigned must be 32 bits");
 

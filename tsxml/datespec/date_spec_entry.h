@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "tsxml/datespec/date_spec.h"
 #include "tsxml/base/export.h"
+#include "tsxml/datespec/date_spec.h"
 
 struct TSXML_API TSXDateSpecEntry {
   TSXDateSpec spec;        // a deep copy of the caller's specification

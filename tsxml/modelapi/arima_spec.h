@@ -8,10 +8,10 @@
 #include <initializer_list>
 #include <vector>
 
+#include "tsxml/base/export.h"
 #include "tsxml/modelapi/model_spec.h"
 #include "tsxml/modelapi/outlier_spec.h"
 #include "tsxml/modelapi/transform.h"
-#include "tsxml/base/export.h"
 
 // The lags of one polynomial factor. The list is kept ascending without
 // repeats, and a lag of 0 is dropped (the zero-lag term of a numerator is

@@ -6,10 +6,10 @@
 #include <valarray>
 #include <vector>
 
+#include "tsxml/base/export.h"
 #include "tsxml/modelapi/arima_spec.h"
 #include "tsxml/modelapi/forecast_state.h"
 #include "tsxml/modelapi/sym_matrix.h"
-#include "tsxml/base/export.h"
 
 // What every ARIMA state has: the model specification, the final values of
 // the (differenced, transformed) series and their predictions, and the

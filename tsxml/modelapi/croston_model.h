@@ -4,11 +4,11 @@
 #ifndef TSXML_MODELAPI_CROSTON_MODEL_H
 #define TSXML_MODELAPI_CROSTON_MODEL_H
 
+#include "tsxml/base/export.h"
 #include "tsxml/modelapi/estimation_info.h"
 #include "tsxml/modelapi/forecast_state.h"
 #include "tsxml/modelapi/ref_counted.h"
 #include "tsxml/modelapi/transform.h"
-#include "tsxml/base/export.h"
 
 // The fitted Croston model behind a TSFCrModel handle. Holds copies of its
 // three states.

@@ -5,10 +5,10 @@
 #include <array>
 #include <cstdint>
 
+#include "tsxml/base/export.h"
 #include "tsxml/base/missing_value.h"
 #include "tsxml/modelapi/span.h"
 #include "tsxml/modelapi/transform.h"
-#include "tsxml/base/export.h"
 
 namespace BFSharedConst {
 

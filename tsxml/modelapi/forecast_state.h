@@ -7,9 +7,9 @@
 #include <cstdint>
 #include <valarray>
 
+#include "tsxml/base/export.h"
 #include "tsxml/modelapi/model_spec.h"
 #include "tsxml/modelapi/span.h"
-#include "tsxml/base/export.h"
 
 class ForecastStateVisitor;
 

@@ -9,11 +9,11 @@
 #include <string>
 #include <valarray>
 
+#include "tsxml/base/export.h"
 #include "tsxml/modelapi/estimation_info.h"
 #include "tsxml/modelapi/forecast_state.h"
 #include "tsxml/modelapi/ref_counted.h"
 #include "tsxml/modelapi/transform.h"
-#include "tsxml/base/export.h"
 
 // The fitted model behind a TSFModel handle. Owns its state.
 class TSXML_API TSFModelImp : public TSRCObject {

@@ -8,12 +8,12 @@ namespace {
 
 // Which parameter kinds (level, trend, season, damping) each model type has.
 constexpr bool kTypeHasKind[7][ESModelSpec::kParameterKindCount] = {
-    {true, true, true, false},   // ESAdditiveWinters
+    {true, true, true, false},    // ESAdditiveWinters
     {true, false, false, false},  // ESBrown
-    {true, true, false, true},   // ESDampedTrend
-    {true, true, false, false},  // ESHolt
-    {true, true, true, false},   // ESMultiplicativeWinters
-    {true, false, true, false},  // ESSimpleSeasonal
+    {true, true, false, true},    // ESDampedTrend
+    {true, true, false, false},   // ESHolt
+    {true, true, true, false},    // ESMultiplicativeWinters
+    {true, false, true, false},   // ESSimpleSeasonal
     {true, false, false, false},  // ESSimple
 };
 

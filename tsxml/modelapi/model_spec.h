@@ -5,8 +5,8 @@
 
 #include <array>
 
-#include "tsxml/modelapi/transform.h"
 #include "tsxml/base/export.h"
+#include "tsxml/modelapi/transform.h"
 
 // The boolean arguments of GetParameterCount and GetSeasonLength choose the
 // full count and the effective season length; this layer has no fixed

@@ -7,7 +7,7 @@ const char* TSOutlierSpec::TypeName(uint32_t outlierType) {
       "none",  "additive",     "level",         "transient", "seasonalAdditive",
       "trend", "innovational", "varianceChange"};
   return outlierType < sizeof kNames / sizeof kNames[0] ? kNames[outlierType]
-                                                         : nullptr;
+                                                        : nullptr;
 }
 
 unsigned TSOutlierSpec::GetParameterCount() const {

@@ -4,10 +4,10 @@
 #include <memory>
 #include <string>
 
-#include "tsxml/modelapi/arima_spec.h"
-#include "tsxml/base/missing_value.h"
-#include "tsxml/native/model_elements.h"
 #include "tsxml/base/dictionary_refs.h"
+#include "tsxml/base/missing_value.h"
+#include "tsxml/modelapi/arima_spec.h"
+#include "tsxml/native/model_elements.h"
 
 namespace tsxml {
 

@@ -16,7 +16,8 @@ XMLElement* MakeDateSpecificationElement(const TSXDateSpec& spec,
                                          int id) {
   std::unique_ptr<XMLElement> element(XMLElement::Create("DateSpecification"));
   element->AddAttribute("dateSpecID", static_cast<double>(id));
-  if (!descriptor.empty()) element->AddAttribute("dateSpecDescriptor", descriptor);
+  if (!descriptor.empty())
+    element->AddAttribute("dateSpecDescriptor", descriptor);
 
   std::unique_ptr<XMLElement> periods(XMLElement::Create("Periods"));
   if (spec.LowestIncrement() > 1) {
@@ -66,7 +67,8 @@ XMLElement* MakeDateSpecificationElement(const TSXDateSpec& spec,
   unsigned year = 0;
   spec.GetFirstCaseDay(day, month, year);
   if (day != 0) {
-    std::unique_ptr<XMLElement> firstCaseDay(XMLElement::Create("FirstCaseDay"));
+    std::unique_ptr<XMLElement> firstCaseDay(
+        XMLElement::Create("FirstCaseDay"));
     firstCaseDay->AddAttribute("day", day);
     firstCaseDay->AddAttribute("month", month);
     firstCaseDay->AddAttribute("year", year);

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <memory>
 
+#include "tsxml/base/missing_value.h"
 #include "tsxml/modelapi/estimation_info.h"
 #include "tsxml/modelapi/forecast_state.h"
-#include "tsxml/base/missing_value.h"
 #include "tsxml/native/model_elements.h"
 
 namespace tsxml {
@@ -13,11 +13,11 @@ namespace tsxml {
 namespace {
 
 constexpr const char* kTypeElement[] = {
-    "ESAdditiveWinters",       "ESBrown",           "ESDampedTrend", "ESHolt",
+    "ESAdditiveWinters",       "ESBrown",          "ESDampedTrend", "ESHolt",
     "ESMultiplicativeWinters", "ESSimpleSeasonal", "ESSimple",
 };
-constexpr const char* kParameterElement[] = {
-    "ParmLevel", "ParmTrend", "ParmSeason", "ParmDampingTrend"};
+constexpr const char* kParameterElement[] = {"ParmLevel", "ParmTrend",
+                                             "ParmSeason", "ParmDampingTrend"};
 
 // The standard error at `index`, missing past the end of the vector.
 double StdErrorAt(const std::valarray<double>& stdErrors, size_t index) {
@@ -102,7 +102,8 @@ XMLElement* MakeExpSmoothingElement(const ESModelSpec& spec,
   std::unique_ptr<XMLElement> typeElement(
       XMLElement::Create(kTypeElement[type]));
   if (seasonLength > 1) {
-    typeElement->AddAttribute("seasonLength", static_cast<double>(seasonLength));
+    typeElement->AddAttribute("seasonLength",
+                              static_cast<double>(seasonLength));
   }
   if (parameters.size() >= spec.GetParameterCount(true) &&
       !AddParameters(*typeElement, spec, parameters, stdErrors)) {

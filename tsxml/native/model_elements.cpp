@@ -3,9 +3,9 @@
 #include <cmath>
 #include <memory>
 
-#include "tsxml/modelapi/estimation_info.h"
-#include "tsxml/base/missing_value.h"
 #include "tsxml/base/dictionary_refs.h"
+#include "tsxml/base/missing_value.h"
+#include "tsxml/modelapi/estimation_info.h"
 #include "tsxml/xml/number_text.h"
 
 namespace tsxml {

@@ -3,8 +3,8 @@
 #ifndef TSXML_NATIVE_MODEL_XML_TREE_MAKER_H
 #define TSXML_NATIVE_MODEL_XML_TREE_MAKER_H
 
-#include "tsxml/modelapi/forecast_state_visitor.h"
 #include "tsxml/base/export.h"
+#include "tsxml/modelapi/forecast_state_visitor.h"
 
 class EstimationInfo;
 class TSXDictionaryRefs;

@@ -94,15 +94,14 @@ bool TSXNativeDocument::Write(std::ostream& os, bool complete,
   std::unique_ptr<XMLElement> dictionary(XMLElement::Create("DataDictionary"));
   for (const TSXDateSpecEntry& entry : dateSpecs) {
     if (!entry.used) continue;
-    std::unique_ptr<XMLElement> dateSpec(MakeDateSpecificationElement(
-        entry.spec, entry.descriptor, entry.id));
+    std::unique_ptr<XMLElement> dateSpec(
+        MakeDateSpecificationElement(entry.spec, entry.descriptor, entry.id));
     dictionary->AddElement(dateSpec.release());
   }
   root->AddElement(dictionary.release());
 
   ChildLoan loan(*root, models_);
-  os.write(kXMLDeclaration,
-           kXMLDeclarationLength);
+  os.write(kXMLDeclaration, kXMLDeclarationLength);
   ExportFormat format;
   root->ToStream(os, format, false);
   loan.Keep();

@@ -4,9 +4,9 @@
 #include <vector>
 
 #include "tsxml/base/dictionary_refs.h"
+#include "tsxml/base/missing_value.h"
 #include "tsxml/modelapi/estimation_info.h"
 #include "tsxml/modelapi/forecast_state.h"
-#include "tsxml/base/missing_value.h"
 #include "tsxml/pmml/pmml_elements.h"
 
 namespace tsxml {
@@ -21,9 +21,10 @@ constexpr double kMinBrownAlpha = 1e-7;
 struct StatePresence {
   StatePresence(const WIESSmState& state, int type) {
     level = !MV::IsMissing(state.level);
-    trend = level && ESModelSpec::HasTrendState(type) && !MV::IsMissing(state.trend);
-    const bool complete =
-        level && (!ESModelSpec::HasTrendState(type) || !MV::IsMissing(state.trend));
+    trend = level && ESModelSpec::HasTrendState(type) &&
+            !MV::IsMissing(state.trend);
+    const bool complete = level && (!ESModelSpec::HasTrendState(type) ||
+                                    !MV::IsMissing(state.trend));
     season = complete && state.CycleLength() >= 2;
     for (const double value : state.seasonal) {
       if (MV::IsMissing(value)) season = false;

@@ -4,8 +4,8 @@
 #include <memory>
 #include <utility>
 
-#include "tsxml/modelapi/stat_util.h"
 #include "tsxml/base/dictionary_refs.h"
+#include "tsxml/modelapi/stat_util.h"
 
 namespace tsxml {
 

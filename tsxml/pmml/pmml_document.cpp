@@ -3,9 +3,9 @@
 #include <ostream>
 #include <utility>
 
+#include "tsxml/base/vendor.h"
 #include "tsxml/datespec/date_spec.h"
 #include "tsxml/modelapi/forecast_state.h"
-#include "tsxml/base/vendor.h"
 #include "tsxml/native/date_spec_element.h"
 #include "tsxml/pmml/es_model.h"
 #include "tsxml/pmml/pmml_elements.h"
@@ -24,9 +24,9 @@ constexpr char kDefaultCopyright[] = "www.dmg.org";
 
 // The data type of the time field of each date specification period type,
 // SimpleSequence to Obs; the field is named as the period type.
-constexpr const char* kTimeFieldTypes[] = {
-    "time", "date", "date", "date", "date", "date",
-    "date", "time", "time", "time", "time"};
+constexpr const char* kTimeFieldTypes[] = {"time", "date", "date", "date",
+                                           "date", "date", "date", "time",
+                                           "time", "time", "time"};
 static_assert(sizeof kTimeFieldTypes / sizeof kTimeFieldTypes[0] ==
                   TSXDateSpec::Obs + 1,
               "one time field type per period type");
@@ -80,8 +80,8 @@ XMLElement* MakeDateSpecExtension(
   if (dateSpecs.empty()) return nullptr;
   std::unique_ptr<XMLElement> extension(XMLElement::Create("Extension"));
   for (const TSXDateSpecEntry& entry : dateSpecs) {
-    std::unique_ptr<XMLElement> dateSpec(MakeDateSpecificationElement(
-        entry.spec, entry.descriptor, entry.id));
+    std::unique_ptr<XMLElement> dateSpec(
+        MakeDateSpecificationElement(entry.spec, entry.descriptor, entry.id));
     extension->AddElement(dateSpec.release());
   }
   return extension.release();

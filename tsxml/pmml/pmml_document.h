@@ -12,10 +12,10 @@
 #include <valarray>
 #include <vector>
 
+#include "tsxml/base/dictionary_refs.h"
 #include "tsxml/datespec/date_spec_entry.h"
 #include "tsxml/modelapi/model.h"
 #include "tsxml/pmml/model_summary.h"
-#include "tsxml/base/dictionary_refs.h"
 #include "tsxml/xml/xml_node.h"
 
 class TSXDateSpec;
@@ -36,7 +36,8 @@ bool TimeFieldOfDateSpec(const TSXDateSpec& spec, std::string& name,
 // An "Extension" holding one "DateSpecification" per entry of `dateSpecs`,
 // used by a model or not, in order; null when there are none. Caller owns the
 // result.
-XMLElement* MakeDateSpecExtension(const std::deque<TSXDateSpecEntry>& dateSpecs);
+XMLElement* MakeDateSpecExtension(
+    const std::deque<TSXDateSpecEntry>& dateSpecs);
 
 // Owns the model elements it built and deletes them with itself. Nothing here
 // reports a failure; an allocation failure passes through and leaves the

@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "tsxml/base/missing_value.h"
+#include "tsxml/base/vendor.h"
 #include "tsxml/modelapi/outlier_spec.h"
 #include "tsxml/native/model_elements.h"
-#include "tsxml/base/vendor.h"
 #include "tsxml/xml/number_text.h"
 
 namespace tsxml {
@@ -104,8 +104,8 @@ XMLElement* AddContainerExtension(XMLElement& parent, std::string name) {
 void AddDoubleListText(XMLElement& element, const double* values,
                        size_t count) {
   if (values == nullptr || count == 0) return;
-  std::unique_ptr<XMLString> node(XMLString::Create(
-      ValueText(values, count, InfinityText::kNumberText)));
+  std::unique_ptr<XMLString> node(
+      XMLString::Create(ValueText(values, count, InfinityText::kNumberText)));
   element.AddElement(node.release());
 }
 

@@ -12,12 +12,12 @@
 #include <iosfwd>
 #include <string>
 
+#include "tsxml/base/dictionary_refs.h"
+#include "tsxml/base/export.h"
+#include "tsxml/datespec/date_spec.h"
 #include "tsxml/modelapi/croston_model.h"
 #include "tsxml/modelapi/model.h"
 #include "tsxml/modelapi/ref_counted.h"
-#include "tsxml/datespec/date_spec.h"
-#include "tsxml/base/dictionary_refs.h"
-#include "tsxml/base/export.h"
 
 class TSXMLTreeImp;
 

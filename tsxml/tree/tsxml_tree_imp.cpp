@@ -105,8 +105,8 @@ int TSXMLTreeImp::AddDateSpec(const TSXDateSpec& spec, std::string descriptor) {
     if (entry.id > largest) largest = entry.id;
   }
   if (id == 0) {
-    dateSpecs_.push_back(TSXDateSpecEntry{spec, largest + 1,
-                                          std::move(descriptor), false});
+    dateSpecs_.push_back(
+        TSXDateSpecEntry{spec, largest + 1, std::move(descriptor), false});
     id = largest + 1;
   }
   if (timeField) {

@@ -11,12 +11,12 @@
 #include <string>
 #include <valarray>
 
-#include "tsxml/modelapi/croston_model.h"
-#include "tsxml/modelapi/model.h"
-#include "tsxml/modelapi/ref_counted.h"
 #include "tsxml/base/dictionary_refs.h"
 #include "tsxml/base/export.h"
 #include "tsxml/datespec/date_spec_entry.h"
+#include "tsxml/modelapi/croston_model.h"
+#include "tsxml/modelapi/model.h"
+#include "tsxml/modelapi/ref_counted.h"
 
 namespace tsxml {
 class TSXNativeDocument;

@@ -31,9 +31,7 @@ int Family(TSXDateSpec::PeriodType type) {
   }
 }
 
-Status Failure(tsxml::StatusCode code) {
-  return Status(code, false);
-}
+Status Failure(tsxml::StatusCode code) { return Status(code, false); }
 
 bool IsQuarterOrMonth(TSXDateSpec::PeriodType type) {
   return type == TSXDateSpec::Quarter || type == TSXDateSpec::Month;
@@ -296,8 +294,7 @@ bool TSXDateSpecImp::IndexesAreValid(size_t count,
     return false;
   }
   if (lowestIncrement_ >= 2 && count != 0 &&
-      (indexes[count - 1] - periods_.back().subCycleStart) %
-              lowestIncrement_ !=
+      (indexes[count - 1] - periods_.back().subCycleStart) % lowestIncrement_ !=
           0) {
     return false;
   }

@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "tsxml/datespec/date_spec.h"
 #include "tsxml/base/status.h"
+#include "tsxml/datespec/date_spec.h"
 
 namespace tsxml {
 
@@ -63,9 +63,7 @@ class TSXDateSpecImp {
   Status AddGap(const Tuple& tuple);
   void ClearGaps();
   Status SetFirstCaseIndex(const Tuple& tuple);
-  void SetForcedSeasonLength(uint32_t length) {
-    forcedSeasonLength_ = length;
-  }
+  void SetForcedSeasonLength(uint32_t length) { forcedSeasonLength_ = length; }
   void SetFiscalYearStart(uint32_t start) { fiscalYearStart_ = start; }
   bool SetFirstCaseDay(uint32_t day, uint32_t month, uint32_t year);
 
