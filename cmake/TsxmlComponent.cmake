@@ -1,7 +1,8 @@
 # tsxml_warnings(<target>): the project's warning set, errors with TSXML_WERROR.
 function(tsxml_warnings target)
   if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
-    target_compile_options(${target} PRIVATE -Wall -Wextra)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wshadow
+      -Wold-style-cast -Wdouble-promotion -Wsign-conversion)
     if(TSXML_WERROR)
       target_compile_options(${target} PRIVATE -Werror)
     endif()

@@ -55,18 +55,21 @@ TEST(Gaps, OffsetTable) {
   const std::vector<int32_t> case_offset = {0, 1, 2, -1, -1, 3, 4, 5, -1, 6};
   const std::vector<int32_t> forward = {0, 1, 2, 3, 3, 3, 4, 5, 6, 6};
   const std::vector<int32_t> backward = {0, 1, 2, 2, 2, 3, 4, 5, 5, 6};
-  for (int32_t v = 0; v < 10; ++v) {
+  for (size_t i = 0; i < 10; ++i) {
+    const int32_t v = static_cast<int32_t>(i);
     const Tuple tuple = spec.IndexTuple(v);
-    EXPECT_EQ(spec.CaseOffset(v), case_offset[v]) << v;
-    EXPECT_EQ(tuple.CaseOffset(), case_offset[v]) << v;
-    EXPECT_EQ(spec.ClosestCaseOffset(v, true), forward[v]) << v;
-    EXPECT_EQ(tuple.ClosestCaseOffset(true), forward[v]) << v;
-    EXPECT_EQ(spec.ClosestCaseOffset(v, false), backward[v]) << v;
-    EXPECT_EQ(tuple.ClosestCaseOffset(false), backward[v]) << v;
+    EXPECT_EQ(spec.CaseOffset(v), case_offset[i]) << v;
+    EXPECT_EQ(tuple.CaseOffset(), case_offset[i]) << v;
+    EXPECT_EQ(spec.ClosestCaseOffset(v, true), forward[i]) << v;
+    EXPECT_EQ(tuple.ClosestCaseOffset(true), forward[i]) << v;
+    EXPECT_EQ(spec.ClosestCaseOffset(v, false), backward[i]) << v;
+    EXPECT_EQ(tuple.ClosestCaseOffset(false), backward[i]) << v;
   }
   const std::vector<int32_t> virtual_offset = {0, 1, 2, 5, 6, 7, 9};
-  for (int32_t k = 0; k < 7; ++k) {
-    EXPECT_EQ(spec.VirtualCaseOffset(k), virtual_offset[k]) << k;
+  for (size_t k = 0; k < 7; ++k) {
+    EXPECT_EQ(spec.VirtualCaseOffset(static_cast<int32_t>(k)),
+              virtual_offset[k])
+        << k;
   }
   EXPECT_EQ(Gaps(spec), (std::vector<int32_t>{3, 4, 8}));
   EXPECT_EQ(spec.GapIndex(0).GetIndexes(), (Indexes{2001, 5}));

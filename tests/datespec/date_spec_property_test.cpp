@@ -21,6 +21,10 @@ class Random {
     return std::uniform_int_distribution<int64_t>(lo, hi)(engine_);
   }
   bool Chance(int percent) { return In(0, 99) < percent; }
+  // Uniform in [0, size), for a size above 0.
+  size_t Index(size_t size) {
+    return static_cast<size_t>(In(0, static_cast<int64_t>(size) - 1));
+  }
   uint32_t Bits() { return static_cast<uint32_t>(engine_()); }
   DS::PeriodType Type(DS::PeriodType last = DS::Obs) {
     return DS::PeriodType(In(DS::SimpleSequence, last));
@@ -82,7 +86,14 @@ struct Axis {
       t[i] = starts[i] + step * unsigned(rng.In(0, lengths[i] / step - 1));
     }
     if (linked != 0) t[linked] = t[linked + 1] / 3;
-    if (rng.Chance(10)) t[rng.In(0, t.size() - 1)] += rng.Chance(50) ? 1 : -1;
+    if (rng.Chance(10)) {
+      unsigned& index = t[rng.Index(t.size())];
+      if (rng.Chance(50)) {
+        ++index;
+      } else {
+        --index;
+      }
+    }
     return t;
   }
 
@@ -143,7 +154,7 @@ DS RandomNest(Random& rng, Counts& counts) {
       if (last % d == 0) divisors.push_back(d);
     }
     const unsigned increment = rng.Chance(80)
-                                   ? divisors[rng.In(0, divisors.size() - 1)]
+                                   ? divisors[rng.Index(divisors.size())]
                                    : unsigned(rng.In(0, 13));
     counts.increments += counts.Try(spec, [&](DS& s) {
       return s.SetLowestIncrement(increment).IsOK();
@@ -207,7 +218,7 @@ void CheckArithmetic(const DS& spec, const Axis& axis,
     }
   }
   for (int32_t k = 0; k < int32_t(virtual_of.size()); ++k) {
-    EXPECT_EQ(spec.VirtualCaseOffset(k), virtual_of[k]);
+    EXPECT_EQ(spec.VirtualCaseOffset(k), virtual_of[static_cast<size_t>(k)]);
     EXPECT_EQ(spec.CaseOffset(spec.VirtualCaseOffset(k)), k);
   }
   for (int32_t v : {-1, -2, -1000, INT32_MIN}) {
@@ -396,7 +407,7 @@ TEST(DateSpecProperties, WrappingSpecificationsStayDefined) {
       EXPECT_EQ(at.CaseOffset(), spec.CaseOffset(at.VirtualCaseOffset()));
       EXPECT_EQ(at.ClosestCaseOffset(true),
                 spec.ClosestCaseOffset(at.VirtualCaseOffset(), true));
-      spec.GapIndex(size_t(rng.In(0, spec.GapCount()))).VirtualCaseOffset();
+      spec.GapIndex(rng.Index(spec.GapCount() + 1)).VirtualCaseOffset();
 
       const int32_t k = int32_t(rng.Bits() >> 1);
       if (int64_t{k} + int64_t(spec.GapCount()) <= INT32_MAX) {

@@ -277,7 +277,8 @@ TEST(ObjectStreamThreads, TwoStreamsReadAtOnce) {
     std::ofstream out(files[t].path(), std::ios::binary);
     const XMLObj obj("T" + std::to_string(t), 0);
     for (int i = 0; i < kMembers; ++i) {
-      obj.WriteSubElement(out, std::string(1 + i % 40, "ab"[t]));
+      obj.WriteSubElement(
+          out, std::string(static_cast<size_t>(1 + i % 40), "ab"[t]));
       obj.WriteSubElement(out, i * 2 + t);
     }
   }
@@ -290,7 +291,7 @@ TEST(ObjectStreamThreads, TwoStreamsReadAtOnce) {
       std::string text;
       int number = -1;
       if (!OstraTimeXML::ParseValue(in, text) ||
-          text != std::string(1 + i % 40, "ab"[t]) ||
+          text != std::string(static_cast<size_t>(1 + i % 40), "ab"[t]) ||
           !OstraTimeXML::ParseValue(in, number) || number != i * 2 + t) {
         ++errors[t];
       }

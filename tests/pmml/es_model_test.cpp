@@ -82,7 +82,7 @@ std::string TrendStart(bool value, const std::string& kind = "additive") {
 
 // A real "Array" of `n` values at `tabs` tabs.
 std::string Array(int tabs, int n, const std::string& values) {
-  const std::string t(tabs, '\t');
+  const std::string t(static_cast<size_t>(tabs), '\t');
   return "\n" + t + "<Array\n" + t + "\tn=\"" + std::to_string(n) + "\"\n" + t +
          "\ttype=\"real\">" + values + "</Array>";
 }

@@ -146,7 +146,7 @@ double BinomialUpperTail(double x, int a, int b) {
   for (int j = 0; j <= n; ++j) {
     if (j >= a) {
       sum += coeff * std::pow(static_cast<long double>(x), j) *
-             std::pow(1.0L - x, n - j);
+             std::pow(1.0L - static_cast<long double>(x), n - j);
     }
     coeff = coeff * (n - j) / (j + 1);
   }

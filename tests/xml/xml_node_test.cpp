@@ -244,7 +244,8 @@ TEST(DeepTree, FlatAndFormattedChains) {
     leaf->AddElement(XMLString::Create("&"));
     const bool formatted = depth < 100000;
     auto line = [&](int level) {
-      return formatted ? "\n" + std::string(level, '\t') : std::string();
+      return formatted ? "\n" + std::string(static_cast<size_t>(level), '\t')
+                       : std::string();
     };
     std::string expected;
     for (int i = 0; i < depth; ++i) expected += line(i) + "<e>";

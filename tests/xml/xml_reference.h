@@ -64,8 +64,9 @@ inline void Write(const Node& node, Format& f,
     f.new_paragraph = f.indentation = false;
     return;
   }
-  const std::string tabs(f.level < 1 ? 0 : f.level, '\t');
-  const std::string inner_tabs(f.level < 0 ? 0 : f.level + 1, '\t');
+  const std::string tabs(f.level < 1 ? 0 : static_cast<size_t>(f.level), '\t');
+  const std::string inner_tabs(
+      f.level < 0 ? 0 : static_cast<size_t>(f.level) + 1, '\t');
   // A line feed (or `otherwise`) and `t`, as far as the flags ask for them.
   auto lead = [&f](const char* otherwise, const std::string& t) {
     return std::string(f.format && f.new_paragraph ? "\n" : otherwise) +

@@ -99,8 +99,8 @@ class TreeGenerator {
         "\xFF",     "\xC3",     "\xC0\xAF",     "\xED\xA0\x80"};
     std::string value;
     if (Chance(40)) {  // longer than any buffer chunk
-      value.assign(20000 + Below(5000), 'L');
-      value[Below(20000)] = '&';
+      value.assign(static_cast<size_t>(20000 + Below(5000)), 'L');
+      value[static_cast<size_t>(Below(20000))] = '&';
     }
     for (int i = Below(12); i > 0; --i) {
       const int kind = Below(16);
@@ -135,8 +135,8 @@ void ExpectSameState(const ExportFormat& format, const ref::Format& f) {
 }
 
 bool IsAscii(const std::string& text) {
-  for (unsigned char c : text) {
-    if (c > 127) return false;
+  for (const char c : text) {
+    if (static_cast<unsigned char>(c) > 127) return false;
   }
   return true;
 }
@@ -157,7 +157,8 @@ bool IsUtf8(const std::string& text) {
     }
     unsigned cp = extra == 0 ? lead : lead & (0x3F >> extra);
     for (int k = 1; k <= extra; ++k) {
-      const unsigned char c = static_cast<unsigned char>(text[i + k]);
+      const unsigned char c =
+          static_cast<unsigned char>(text[i + static_cast<size_t>(k)]);
       if ((c & 0xC0) != 0x80) return false;
       cp = (cp << 6) | (c & 0x3F);
     }

@@ -134,6 +134,8 @@ def op_constant(line, m, spans, ctx):
             continue                      # a template argument: array<T, 4>
         if re.search(r"[\d.][eE][+-]$", m[:s]):
             continue                      # the exponent of 1.5e-6
+        if re.search(r"(\)|\bconst|\boverride)\s*=\s*$", m[:s]):
+            continue                      # the pure specifier "= 0"
         n = int(x.group(1))
         new = {0: 1, 1: 0}.get(n, n + 1)
         yield line[:s] + str(new) + line[e:]
@@ -219,7 +221,9 @@ def all_mutants(source):
 
 def select(mutants, count, seed=SEED):
     """`count` mutants spread over the files in proportion to their mutable
-    lines, at least MIN_PER_FILE (or all it has) from each file."""
+    lines, and at least MIN_PER_FILE (or all it has) from each file when
+    `count` allows. Within a file, lines are drawn before second mutants of a
+    line."""
     if count >= len(mutants):
         return list(mutants)
     by_file = {}
@@ -283,6 +287,10 @@ def sh(cmd, cwd=None, env=None, timeout=None):
         os.killpg(p.pid, signal.SIGKILL)
         out, _ = p.communicate()
         return None, out.decode(errors="replace")
+    except BaseException:              # interrupted: take the children along
+        os.killpg(p.pid, signal.SIGKILL)
+        p.wait()
+        raise
 
 
 class Suite:
@@ -432,6 +440,9 @@ def run(args):
                CCACHE_NOHASHDIR="1", CCACHE_SLOPPINESS="include_file_mtime,include_file_ctime")
     runners = [Suite(n, t, source, work, env, args.jobs) for n, t in suites]
     progress("%d mutants selected, %d to run" % (len(mutants), len(todo)))
+    if not todo:
+        save(report, args.out)
+        return
     for s in runners:
         s.prepare()
     save(report, args.out)
@@ -544,7 +555,11 @@ def main(argv):
             sys.stdout.write(text)
         return 0
     if args.command == "run":
-        run(args)
+        try:
+            run(args)
+        except KeyboardInterrupt:
+            progress("interrupted; results so far are in %s, --resume goes on" % args.out)
+            return 130
         return 0
     return report_cmd(args)
 

@@ -1,5 +1,7 @@
 #include "tsxml/modelapi/estimation_info.h"
 
+#include <cstddef>
+
 EstimationInfo::EstimationInfo() { gof_.fill(MV::gMissingValue); }
 
 namespace {
@@ -9,11 +11,11 @@ bool InTable(BFSharedConst::GOFStatType type) {
 }  // namespace
 
 double EstimationInfo::GetGOFStat(BFSharedConst::GOFStatType type) const {
-  return InTable(type) ? gof_[type] : MV::gMissingValue;
+  return InTable(type) ? gof_[static_cast<size_t>(type)] : MV::gMissingValue;
 }
 
 void EstimationInfo::SetGOFStat(BFSharedConst::GOFStatType type, double value) {
-  if (InTable(type)) gof_[type] = value;
+  if (InTable(type)) gof_[static_cast<size_t>(type)] = value;
 }
 
 void EstimationInfo::GetLBStat(double& statistic, uint64_t& k,

@@ -29,7 +29,7 @@ int TSFESModelProp::GetWeight(int type) const {
 namespace {
 double At(const std::valarray<double>& values, int position) {
   return position >= 0 && static_cast<size_t>(position) < values.size()
-             ? values[position]
+             ? values[static_cast<size_t>(position)]
              : MV::gMissingValue;
 }
 }  // namespace

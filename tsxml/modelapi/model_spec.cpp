@@ -1,5 +1,7 @@
 #include "tsxml/modelapi/model_spec.h"
 
+#include <cstddef>
+
 TSModelSpec::~TSModelSpec() = default;
 
 unsigned TSModelSpec::GetSeasonLength(bool) const { return seasonLength_; }
@@ -32,17 +34,21 @@ ESModelSpec::ESModelSpec(int type, unsigned seasonLength)
     : type_(type), parameterCount_(0) {
   SetSeasonLength(seasonLength);
   for (int kind = 0; kind < kParameterKindCount; ++kind) {
-    index_[kind] =
+    index_[static_cast<size_t>(kind)] =
         HasParameterKind(type, kind) ? static_cast<int>(parameterCount_++) : -1;
   }
 }
 
 int ESModelSpec::GetESParameterIndex(int kind) const {
-  return kind >= 0 && kind < kParameterKindCount ? index_[kind] : -1;
+  return kind >= 0 && kind < kParameterKindCount
+             ? index_[static_cast<size_t>(kind)]
+             : -1;
 }
 
 unsigned ESModelSpec::GetParameterCount(bool) const { return parameterCount_; }
 
 void ESModelSpec::SetESParameterIndex(int kind, int index) {
-  if (kind >= 0 && kind < kParameterKindCount) index_[kind] = index;
+  if (kind >= 0 && kind < kParameterKindCount) {
+    index_[static_cast<size_t>(kind)] = index;
+  }
 }

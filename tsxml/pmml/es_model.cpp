@@ -40,7 +40,7 @@ struct StatePresence {
 double Phi(const ESModelSpec& spec, const std::valarray<double>& estimates) {
   const int index = spec.GetESParameterIndex(ESModelSpec::DampingTrend);
   return index >= 0 && static_cast<size_t>(index) < estimates.size()
-             ? estimates[index]
+             ? estimates[static_cast<size_t>(index)]
              : MV::gMissingValue;
 }
 

@@ -113,7 +113,8 @@ Status TSXDateSpecImp::AddPeriod(PeriodType type, uint32_t cycleLength,
     // Both reservations come first; the inserts after them can't throw.
     periods_.reserve(count + 1);
     strides_.reserve(count + 1);
-    periods_.insert(periods_.begin() + position, record);
+    periods_.insert(periods_.begin() + static_cast<std::ptrdiff_t>(position),
+                    record);
     strides_.push_back(1);
     if (linkedQuarter_ != 0 && position <= linkedQuarter_) ++linkedQuarter_;
     if (link) {
