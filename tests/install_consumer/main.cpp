@@ -3,10 +3,10 @@
 #include <memory>
 #include <sstream>
 
-#include "tsxml/modelapi/forecast_model.h"
-#include "tsxml/tree/tsxml_tree.h"
-#include "tsxml/xml/number_text.h"
-#include "tsxml/xml/xml_node.h"
+#include <tsxml/modelapi/forecast_model.h>
+#include <tsxml/tree/tsxml_tree.h>
+#include <tsxml/xml/number_text.h>
+#include <tsxml/xml/xml_node.h>
 
 int main() {
   auto state = std::make_unique<ESForecastState>(
