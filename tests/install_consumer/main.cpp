@@ -1,12 +1,12 @@
 // Builds one model with the installed headers and writes its document.
-#include <iostream>
-#include <memory>
-#include <sstream>
-
 #include <tsxml/modelapi/forecast_model.h>
 #include <tsxml/tree/tsxml_tree.h>
 #include <tsxml/xml/number_text.h>
 #include <tsxml/xml/xml_node.h>
+
+#include <iostream>
+#include <memory>
+#include <sstream>
 
 int main() {
   auto state = std::make_unique<ESForecastState>(
