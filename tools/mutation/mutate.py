@@ -162,7 +162,7 @@ INCDEC = re.compile(r"(\+\+|--)[\w.\->\[\]]+\s*;|[\w.\->\[\]]+(\+\+|--)\s*;")
 def op_drop(line, m, spans, ctx):
     """Drops a whole-line call, assignment or ++/--, when the statement starts
     on the line and is not the unbraced body of an if, for or while."""
-    code = m.strip()
+    code = m.replace(FILL, " ").strip()
     word = re.match(r"\w*", code).group(0)
     if (not ctx["body"] or ctx["prev"][-1:] not in (";", "{", "}", ":")
             or "{" in code or "}" in code
@@ -296,8 +296,8 @@ def sh(cmd, cwd=None, env=None, timeout=None):
 class Suite:
     def __init__(self, name, tests, source, work, env, jobs):
         self.name, self.tests, self.env, self.jobs = name, tests, env, jobs
-        self.src = os.path.join(work, name, "src")
-        self.build = os.path.join(work, name, "build")
+        self.src = os.path.join(work, "suites", name, "src")
+        self.build = os.path.join(work, "suites", name, "build")
         self.source, self.pending = source, None   # pending: (path, original text)
         self.ninja = shutil.which("ninja") is not None
 
@@ -323,8 +323,8 @@ class Suite:
         if not ok:
             sys.exit("[%s] the unmutated tree does not build:\n%s" % (self.name, out[-4000:]))
         code, out = sh(["ctest", "--show-only=json-v1"], cwd=self.test_dir(), env=self.env)
-        self.commands = {t["name"]: (t.get("command") or [None])[0]
-                         for t in json.loads(out)["tests"]}
+        self.commands = {t["name"]: t["command"][0]
+                         for t in json.loads(out)["tests"] if t.get("command")}
         self.stamps = self.stamp()
         t0 = time.time()
         killed, failed, out = self.ctest(list(self.commands))
@@ -348,7 +348,7 @@ class Suite:
         def mtime(path):
             try:
                 return os.stat(path).st_mtime_ns
-            except (OSError, TypeError):
+            except OSError:
                 return None
         return {name: mtime(cmd) for name, cmd in self.commands.items()}
 
@@ -421,6 +421,8 @@ def run(args):
         if not re.fullmatch(r"[\w.-]+", name) or not os.path.isdir(tests):
             sys.exit("--suite wants NAME=TESTS_DIR with an existing directory: " + spec)
         suites.append((name, os.path.abspath(tests)))
+    if len({n for n, _ in suites}) != len(suites):
+        sys.exit("--suite names must differ")
     mutants = pick(source, args.count, args.only)
     report = {"source": source, "suites": [{"name": n, "tests": t} for n, t in suites],
               "selected": len(mutants), "results": []}
