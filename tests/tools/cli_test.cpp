@@ -173,18 +173,6 @@ TEST_F(Cli, StandardInputIsNamedAsSuch) {
             "application, dateSpecs, models, statXML\n");
 }
 
-TEST_F(Cli, AModelTheLibraryRefusesIsAnErrorWithItsPointer) {
-  WriteFile(Path("m.json"), R"({"models": [{"name": "", "dependentVariable":
-    "y", "exponentialSmoothing": {"type": "simple", "estimates": [0.3],
-    "finalState": {"level": 1}}}]})");
-  const Result result = Tool({"write", "--format", "native", Path("m.json")});
-  EXPECT_EQ(result.status, 2);
-  EXPECT_EQ(result.out, "");
-  EXPECT_EQ(result.err, "tsxml: " + Path("m.json") +
-                            ": /models/0/name: the native document needs a "
-                            "model name\n");
-}
-
 TEST_F(Cli, UsageErrorsExitWith2AndHelpWith0) {
   EXPECT_EQ(Tool({}).status, 2);
   EXPECT_EQ(Tool({"write"}).status, 2);

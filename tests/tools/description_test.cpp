@@ -45,21 +45,6 @@ TEST(BadDescriptions, EachIsRefusedWhereAndWhyTheTableSays) {
   }
 }
 
-TEST(BadDescriptions, TheTableHasAtLeast25Cases) {
-  EXPECT_GE(std::size(tsxml_tool_test::kBadDescriptions), 25u);
-}
-
-TEST(DescriptionError, WhatPutsPositionPointerAndMessageTogether) {
-  EXPECT_STREQ(DescriptionError("/models/1", "duplicate field").what(),
-               "/models/1: duplicate field");
-  EXPECT_STREQ(DescriptionError("", "missing field \"models\"").what(),
-               "missing field \"models\"");
-  EXPECT_STREQ(DescriptionError("/a", 3, 14, "syntax error").what(),
-               "3:14: /a: syntax error");
-  EXPECT_STREQ(DescriptionError("", 1, 1, "syntax error").what(),
-               "1:1: syntax error");
-}
-
 // ---------------------------------------------------------------------------
 // Descriptions and models built in code give the same documents.
 
@@ -152,6 +137,25 @@ class Draw {
 
 const char* const kTransformations[] = {"none", "log", "squareRoot"};
 
+// The fields of a JSON object, added one by one.
+class Object {
+ public:
+  Object& Add(const char* name, const std::string& json) {
+    text_ +=
+        (text_.empty() ? "\"" : ", \"") + std::string(name) + "\": " + json;
+    return *this;
+  }
+  Object& Add(const char* name, unsigned value) {
+    return Add(name, std::to_string(value));
+  }
+  std::string Json() const { return "{" + text_ + "}"; }
+
+ private:
+  std::string text_;
+};
+
+std::string Quoted(const std::string& text) { return "\"" + text + "\""; }
+
 // One generated ARIMA model, as a description and in code.
 struct GeneratedArima {
   std::string json;
@@ -161,156 +165,167 @@ struct GeneratedArima {
 
 GeneratedArima GenerateArima(Draw& draw) {
   AMModelSpec spec;
-  std::string arima;
-  const unsigned season = 1 + draw.Below(12);
-  const unsigned transformation = draw.Below(3);
-  spec.SetSeasonLength(season);
-  spec.SetYTransformSpec(TSTransformSpec(transformation));
-  arima += "\"seasonLength\": " + std::to_string(season) +
-           ", \"transformation\": \"" + kTransformations[transformation] + "\"";
+  Object arima;
+  const unsigned season = 1 + draw.Below(12), transformation = draw.Below(3);
   const bool constant = draw.Coin();
-  spec.SetMeanYPresent(constant);
-  arima += std::string(", \"constant\": ") + (constant ? "true" : "false");
   const unsigned d = draw.Below(3), sd = draw.Below(2);
-  spec.SetYDiff(d, sd);
-  arima += ", \"differencing\": " + std::to_string(d) +
-           ", \"seasonalDifferencing\": " + std::to_string(sd);
   const std::vector<unsigned> ar = draw.Lags(), sar = draw.Lags();
   const std::vector<unsigned> ma = draw.Lags(), sma = draw.Lags();
+  spec.SetSeasonLength(season);
+  spec.SetYTransformSpec(TSTransformSpec(transformation));
+  spec.SetMeanYPresent(constant);
+  spec.SetYDiff(d, sd);
   spec.SetARStruct(AMPowers(ar), AMPowers(sar));
   spec.SetMAStruct(AMPowers(ma), AMPowers(sma));
-  arima += ", \"ar\": " + Json(ar) + ", \"seasonalAr\": " + Json(sar) +
-           ", \"ma\": " + Json(ma) + ", \"seasonalMa\": " + Json(sma);
+  arima.Add("seasonLength", season)
+      .Add("transformation", Quoted(kTransformations[transformation]))
+      .Add("constant", constant ? "true" : "false")
+      .Add("differencing", d)
+      .Add("seasonalDifferencing", sd)
+      .Add("ar", Json(ar))
+      .Add("seasonalAr", Json(sar))
+      .Add("ma", Json(ma))
+      .Add("seasonalMa", Json(sma));
 
   GeneratedArima generated;
-  const unsigned predictors = draw.Below(3);
-  arima += ", \"transferFunctions\": [";
-  for (unsigned i = 0; i < predictors; ++i) {
+  std::string functions, names;
+  for (unsigned i = 0, n = draw.Below(3); i < n; ++i) {
     AMPredictorSpec x;
     const unsigned xTransformation = draw.Below(3);
+    const std::vector<unsigned> num = draw.Lags(), snum = draw.Lags();
+    const std::vector<unsigned> den = draw.Lags(), sden = draw.Lags();
     x.transform = TSTransformSpec(xTransformation);
     x.nonSeasonalDiff = draw.Below(2);
     x.seasonalDiff = draw.Below(2);
     x.delay = draw.Below(4);
-    const std::vector<unsigned> num = draw.Lags(), snum = draw.Lags();
-    const std::vector<unsigned> den = draw.Lags(), sden = draw.Lags();
     x.numeratorNonSeasonal = AMPowers(num);
     x.numeratorSeasonal = AMPowers(snum);
     x.denominatorNonSeasonal = AMPowers(den);
     x.denominatorSeasonal = AMPowers(sden);
     spec.AddPredictor(x);
-    arima += std::string(i ? ", " : "") + "{\"transformation\": \"" +
-             kTransformations[xTransformation] +
-             "\", \"differencing\": " + std::to_string(x.nonSeasonalDiff) +
-             ", \"seasonalDifferencing\": " + std::to_string(x.seasonalDiff) +
-             ", \"delay\": " + std::to_string(x.delay) +
-             ", \"numerator\": " + Json(num) +
-             ", \"seasonalNumerator\": " + Json(snum) +
-             ", \"denominator\": " + Json(den) +
-             ", \"seasonalDenominator\": " + Json(sden) + "}";
+    functions +=
+        (i ? ", " : "") +
+        Object()
+            .Add("transformation", Quoted(kTransformations[xTransformation]))
+            .Add("differencing", x.nonSeasonalDiff)
+            .Add("seasonalDifferencing", x.seasonalDiff)
+            .Add("delay", x.delay)
+            .Add("numerator", Json(num))
+            .Add("seasonalNumerator", Json(snum))
+            .Add("denominator", Json(den))
+            .Add("seasonalDenominator", Json(sden))
+            .Json();
     generated.predictors.push_back("x" + std::to_string(i));
+    names += (i ? ", " : "") + Quoted(generated.predictors.back());
   }
-  arima += "]";
+  arima.Add("transferFunctions", "[" + functions + "]");
 
   static const char* const kOutliers[] = {
       "additive",   "levelShift",   "transient",     "seasonalAdditive",
       "localTrend", "innovational", "varianceChange"};
   TSOutlierSpecList outliers;
-  arima += ", \"outliers\": [";
-  const unsigned outlierCount = draw.Below(4);
-  for (unsigned i = 0; i < outlierCount; ++i) {
-    const unsigned type = 1 + draw.Below(7);
-    const unsigned start = draw.Below(100);
+  std::string outlierJson;
+  for (unsigned i = 0, n = draw.Below(4); i < n; ++i) {
+    const unsigned type = 1 + draw.Below(7), start = draw.Below(100);
     outliers.Add(TSOutlierSpec(type, start));
-    arima += std::string(i ? ", " : "") + "{\"type\": \"" +
-             kOutliers[type - 1] + "\", \"start\": " + std::to_string(start) +
-             "}";
+    outlierJson +=
+        (i ? ", " : "") + Object()
+                              .Add("type", Quoted(kOutliers[type - 1]))
+                              .Add("start", start)
+                              .Json();
   }
-  arima += "]";
   spec.SetOutliers(outliers);
-
   const unsigned count = spec.GetParameterCount(true);
   const std::valarray<double> estimates = draw.Numbers(count);
   const std::valarray<double> errors = draw.Numbers(draw.Below(count + 1));
-  arima += ", \"estimates\": " + Json(estimates) +
-           ", \"standardErrors\": " + Json(errors);
+  arima.Add("outliers", "[" + outlierJson + "]")
+      .Add("estimates", Json(estimates))
+      .Add("standardErrors", Json(errors));
 
   std::unique_ptr<ARMAForecastState> state;
-  std::string stateJson;
-  const std::valarray<double> actual = draw.Numbers(draw.Below(5));
-  const std::valarray<double> predicted = draw.Numbers(draw.Below(5));
-  switch (draw.Below(3)) {
-    case 0: {
-      auto kalman = std::make_unique<ARMAMLForecastState>(spec);
-      const unsigned n = draw.Below(4);
-      const std::valarray<double> omega = draw.Numbers(n * (n + 1) / 2);
-      const std::valarray<double> vector = draw.Numbers(n);
-      kalman->SetFinalOmega(DSymMat(n, omega));
-      kalman->SetFinalStateV(vector);
-      stateJson = "\"method\": \"kalmanFilter\", \"omega\": " + Json(omega) +
-                  ", \"stateVector\": " + Json(vector);
-      state = std::move(kalman);
-      break;
-    }
-    case 1: {
+  Object stateJson;
+  const unsigned method = draw.Below(3);
+  if (method == 0) {
+    auto kalman = std::make_unique<ARMAMLForecastState>(spec);
+    const unsigned n = draw.Below(4);
+    const std::valarray<double> omega = draw.Numbers(n * (n + 1) / 2);
+    const std::valarray<double> vector = draw.Numbers(n);
+    kalman->SetFinalOmega(DSymMat(n, omega));
+    kalman->SetFinalStateV(vector);
+    stateJson.Add("method", "\"kalmanFilter\"")
+        .Add("omega", Json(omega))
+        .Add("stateVector", Json(vector));
+    state = std::move(kalman);
+  } else {
+    // The two states that keep the noise.
+    std::unique_ptr<ARMAForecastState> noisy;
+    ARMANoiseHistory* noise = nullptr;
+    if (method == 1) {
       auto cls = std::make_unique<ARMACLSForecastState>(spec);
-      const std::valarray<double> noise = draw.Numbers(draw.Below(4));
-      const std::valarray<double> predictedNoise = draw.Numbers(3);
-      cls->SetActualN(noise);
-      cls->SetPredN(predictedNoise);
-      stateJson = "\"method\": \"conditionalLeastSquares\", \"finalNoise\": " +
-                  Json(noise) + ", \"predictedNoise\": " + Json(predictedNoise);
-      state = std::move(cls);
-      break;
-    }
-    default: {
+      noise = cls.get();
+      noisy = std::move(cls);
+      stateJson.Add("method", "\"conditionalLeastSquares\"");
+    } else {
       auto theta = std::make_unique<ARMAMLSpForecastState>(spec);
-      const std::valarray<double> noise = draw.Numbers(2);
       std::vector<std::vector<double>> thetas(draw.Below(3));
-      stateJson =
-          "\"method\": \"thetaRecursion\", \"finalNoise\": " + Json(noise) +
-          ", \"thetas\": [";
+      std::string thetaJson;
       for (std::size_t i = 0; i < thetas.size(); ++i) {
         const std::valarray<double> row = draw.Numbers(draw.Below(4));
         thetas[i].assign(std::begin(row), std::end(row));
-        stateJson += (i ? ", " : "") + Json(row);
+        thetaJson += (i ? ", " : "") + Json(row);
       }
       const std::valarray<double> nu = draw.Numbers(draw.Below(3));
       const unsigned iterations = draw.Below(50);
-      stateJson += "], \"nu\": " + Json(nu) +
-                   ", \"iterations\": " + std::to_string(iterations);
-      theta->SetActualN(noise);
       theta->SetFinalThetas(thetas);
       theta->SetFinalNu(std::vector<double>(std::begin(nu), std::end(nu)));
       theta->SetFinalIterCount(iterations);
-      state = std::move(theta);
-      break;
+      stateJson.Add("method", "\"thetaRecursion\"")
+          .Add("thetas", "[" + thetaJson + "]")
+          .Add("nu", Json(nu))
+          .Add("iterations", iterations);
+      noise = theta.get();
+      noisy = std::move(theta);
     }
+    const std::valarray<double> actual = draw.Numbers(draw.Below(4));
+    const std::valarray<double> predicted = draw.Numbers(3);
+    noise->SetActualN(actual);
+    noise->SetPredN(predicted);
+    stateJson.Add("finalNoise", Json(actual))
+        .Add("predictedNoise", Json(predicted));
+    state = std::move(noisy);
   }
+  const std::valarray<double> actual = draw.Numbers(draw.Below(5));
+  const std::valarray<double> predicted = draw.Numbers(draw.Below(5));
   state->SetActualZ(actual);
   state->SetPredZ(predicted);
-  stateJson += ", \"finalValues\": " + Json(actual) +
-               ", \"predictedValues\": " + Json(predicted) +
-               ", \"predictorHistory\": [";
-  for (unsigned i = 0; i < predictors; ++i) {
+  std::string histories;
+  for (unsigned i = 0; i < generated.predictors.size(); ++i) {
+    std::string history = "null";
     if (draw.Coin()) {
-      stateJson += std::string(i ? ", " : "") + "null";
-      continue;
+      const std::valarray<double> x = draw.Numbers(3), tf = draw.Numbers(3);
+      state->SetXHistory(i, x, tf);
+      history = Object()
+                    .Add("predictor", Json(x))
+                    .Add("transferFunction", Json(tf))
+                    .Json();
     }
-    const std::valarray<double> x = draw.Numbers(3), tf = draw.Numbers(3);
-    state->SetXHistory(i, x, tf);
-    stateJson += std::string(i ? ", " : "") + "{\"predictor\": " + Json(x) +
-                 ", \"transferFunction\": " + Json(tf) + "}";
+    histories += (i ? ", " : "") + history;
   }
-  stateJson += "]";
+  stateJson.Add("finalValues", Json(actual))
+      .Add("predictedValues", Json(predicted))
+      .Add("predictorHistory", "[" + histories + "]");
   state->SetParameters(estimates);
   state->SetParameterStdErrors(errors);
-  const TSSpan span(draw.Below(10), draw.Below(200), draw.Below(12));
-  state->SetStateSpan(span);
-  arima += ", \"stateSpan\": {\"begin\": " + std::to_string(span.Begin()) +
-           ", \"length\": " + std::to_string(span.Length()) +
-           ", \"horizon\": " + std::to_string(span.Horizon()) +
-           "}, \"state\": {" + stateJson + "}";
+  const unsigned begin = draw.Below(10), length = draw.Below(200),
+                 horizon = draw.Below(12);
+  state->SetStateSpan(TSSpan(begin, length, horizon));
+  arima
+      .Add("stateSpan", Object()
+                            .Add("begin", begin)
+                            .Add("length", length)
+                            .Add("horizon", horizon)
+                            .Json())
+      .Add("state", stateJson.Json());
 
   EstimationInfo info;
   info.SetSpan(TSSpan(0, 120));
@@ -319,21 +334,22 @@ GeneratedArima GenerateArima(Draw& draw) {
   info.SetErrorVariance(variance);
   info.SetGOFStat(BFSharedConst::AIC, 321.5);
   info.SetGOFStat(BFSharedConst::LOGLK, -150.25);
-  std::string predictorNames = "[";
-  for (std::size_t i = 0; i < generated.predictors.size(); ++i) {
-    predictorNames +=
-        std::string(i ? ", " : "") + "\"" + generated.predictors[i] + "\"";
-  }
   generated.json =
-      "{\"models\": [{\"name\": \"m\", \"dependentVariable\": \"y\", "
-      "\"predictors\": " +
-      predictorNames +
-      "], \"estimation\": {\"span\": {\"length\": 120}, "
-      "\"degreesOfFreedom\": " +
-      std::to_string(120 - count) + ", \"errorVariance\": " + Json(variance) +
-      ", \"fit\": {\"aic\": 321.5, \"logLikelihood\": -150.25}}, "
-      "\"arima\": {" +
-      arima + "}}]}";
+      "{\"models\": [" +
+      Object()
+          .Add("name", "\"m\"")
+          .Add("dependentVariable", "\"y\"")
+          .Add("predictors", "[" + names + "]")
+          .Add("estimation",
+               Object()
+                   .Add("span", "{\"length\": 120}")
+                   .Add("degreesOfFreedom", 120 - count)
+                   .Add("errorVariance", Json(variance))
+                   .Add("fit", "{\"aic\": 321.5, \"logLikelihood\": -150.25}")
+                   .Json())
+          .Add("arima", arima.Json())
+          .Json() +
+      "]}";
   generated.model = TSFModel(new TSFModelImp(std::move(state), info));
   return generated;
 }
@@ -351,37 +367,17 @@ TEST(Faithful, GeneratedArimaModelsGiveTheNativeDocumentOfTheirModel) {
   }
 }
 
-TEST(Faithful, GeneratedArimaModelsNeedExactlyTheirParameterCount) {
-  Draw draw(7);
-  for (int i = 0; i < 100; ++i) {
-    const GeneratedArima generated = GenerateArima(draw);
-    const unsigned count =
-        generated.model.GetImp()->GetForecastState()->GetParameters().size();
-    // One estimate more than the structure has.
-    std::string json = generated.json;
-    const std::size_t at = json.find("\"estimates\": [") + 14;
-    json.insert(at, count == 0 ? "1" : "1, ");
-    try {
-      ReadDescription(json);
-      ADD_FAILURE() << json;
-    } catch (const DescriptionError& error) {
-      EXPECT_EQ(error.Pointer(), "/models/0/arima/estimates");
-      EXPECT_NE(error.Message().find("got " + std::to_string(count + 1)),
-                std::string::npos)
-          << error.Message();
-    }
-  }
-}
-
 const char* const kSmoothingTypes[] = {
     "additiveWinters",       "brown",          "dampedTrend", "holt",
     "multiplicativeWinters", "simpleSeasonal", "simple"};
 
 std::string StateJson(const WIESSmState& state) {
-  return "{\"level\": " + Json(state.level) +
-         ", \"trend\": " + Json(state.trend) +
-         ", \"phase\": " + std::to_string(state.phase) +
-         ", \"seasonal\": " + Json(state.seasonal) + "}";
+  return Object()
+      .Add("level", Json(state.level))
+      .Add("trend", Json(state.trend))
+      .Add("phase", static_cast<unsigned>(state.phase))
+      .Add("seasonal", Json(state.seasonal))
+      .Json();
 }
 
 TEST(Faithful, GeneratedSmoothingModelsGiveTheDocumentsOfTheirModel) {
@@ -389,8 +385,7 @@ TEST(Faithful, GeneratedSmoothingModelsGiveTheDocumentsOfTheirModel) {
   int refused = 0;
   for (int i = 0; i < 200; ++i) {
     const int type = static_cast<int>(draw.Below(7));
-    const unsigned season = 1 + draw.Below(12);
-    const unsigned transformation = draw.Below(3);
+    const unsigned season = 1 + draw.Below(12), transformation = draw.Below(3);
     ESModelSpec spec(type, season);
     spec.SetYTransformSpec(TSTransformSpec(transformation));
     const unsigned count = spec.GetParameterCount(true);
@@ -401,31 +396,46 @@ TEST(Faithful, GeneratedSmoothingModelsGiveTheDocumentsOfTheirModel) {
     const WIESSmState initial(draw.Number(), draw.Number(), 0,
                               draw.Numbers(draw.Below(season + 1)));
     const std::valarray<double> history = draw.Numbers(draw.Below(30));
+    const unsigned df = draw.Below(30);
+    const double maxAPE = draw.Number();
     EstimationInfo info;
     info.SetSpan(TSSpan(0, history.size()));
-    info.SetDegreesOfFreedom(draw.Below(30));
+    info.SetDegreesOfFreedom(df);
     info.SetGOFStat(BFSharedConst::MSE, 2.5);
-    info.SetGOFStat(BFSharedConst::MAXAPE, draw.Number());
+    info.SetGOFStat(BFSharedConst::MAXAPE, maxAPE);
     info.SetLBStat(12.5, 18, 16, 0.75);
     const std::string json =
         "{\"application\": {\"name\": \"gen\", \"version\": \"2\"}, "
-        "\"models\": [{\"name\": \"m\", \"descriptor\": \"d <&>\", "
-        "\"dependentVariable\": \"y\", \"estimation\": {\"span\": "
-        "{\"length\": " +
-        std::to_string(history.size()) + "}, \"degreesOfFreedom\": " +
-        std::to_string(info.GetDegreesOfFreedom()) +
-        ", \"fit\": {\"mse\": 2.5, \"maxAPE\": " +
-        Json(info.GetGOFStat(BFSharedConst::MAXAPE)) +
-        "}, \"ljungBox\": {\"statistic\": 12.5, \"lags\": 18, "
-        "\"degreesOfFreedom\": 16, \"significance\": 0.75}}, \"history\": " +
-        Json(history) + ", \"exponentialSmoothing\": {\"type\": \"" +
-        kSmoothingTypes[type] +
-        "\", \"seasonLength\": " + std::to_string(season) +
-        ", \"transformation\": \"" + kTransformations[transformation] +
-        "\", \"estimates\": " + Json(estimates) +
-        ", \"standardErrors\": " + Json(errors) +
-        ", \"finalState\": " + StateJson(final) +
-        ", \"initialState\": " + StateJson(initial) + "}}]}";
+        "\"models\": [" +
+        Object()
+            .Add("name", "\"m\"")
+            .Add("descriptor", "\"d <&>\"")
+            .Add("dependentVariable", "\"y\"")
+            .Add("estimation",
+                 Object()
+                     .Add("span", "{\"length\": " +
+                                      std::to_string(history.size()) + "}")
+                     .Add("degreesOfFreedom", df)
+                     .Add("fit",
+                          "{\"mse\": 2.5, \"maxAPE\": " + Json(maxAPE) + "}")
+                     .Add("ljungBox",
+                          "{\"statistic\": 12.5, \"lags\": 18, "
+                          "\"degreesOfFreedom\": 16, \"significance\": 0.75}")
+                     .Json())
+            .Add("history", Json(history))
+            .Add("exponentialSmoothing",
+                 Object()
+                     .Add("type", Quoted(kSmoothingTypes[type]))
+                     .Add("seasonLength", season)
+                     .Add("transformation",
+                          Quoted(kTransformations[transformation]))
+                     .Add("estimates", Json(estimates))
+                     .Add("standardErrors", Json(errors))
+                     .Add("finalState", StateJson(final))
+                     .Add("initialState", StateJson(initial))
+                     .Json())
+            .Json() +
+        "]}";
     SCOPED_TRACE(json);
     const auto model = [&]() {
       return TSFModel(
@@ -638,18 +648,6 @@ TEST(Writer, PMMLWithoutModelsIsTheLibrarysEmptyDocument) {
   TSXMLTree tree;
   tree.SetPMMLOutput(true);
   EXPECT_EQ(DocumentOf(R"({"models": []})", WriteOptions()), Document(tree));
-}
-
-TEST(Writer, FormatNamesGoBothWays) {
-  for (Format format : {Format::kNative, Format::kPMML, Format::kStatXML}) {
-    Format parsed = Format::kNative;
-    EXPECT_TRUE(
-        tsxml_tool::ParseFormat(tsxml_tool::FormatName(format), parsed));
-    EXPECT_EQ(parsed, format);
-  }
-  Format unchanged = Format::kStatXML;
-  EXPECT_FALSE(tsxml_tool::ParseFormat("PMML", unchanged));
-  EXPECT_EQ(unchanged, Format::kStatXML);
 }
 
 }  // namespace
