@@ -1,9 +1,14 @@
+// Native documents through the public tree: whole documents, refused models,
+// the registry of date specifications, handles and bare writes.
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <string>
 
+#include "support/arima_fixtures.h"
+#include "support/date_spec_fixtures.h"
 #include "support/model_fixtures.h"
-#include "tree_test_util.h"
+#include "support/test_data.h"
 #include "tsxml/modelapi/forecast_model.h"
 #include "tsxml/native/model_xml_tree_maker.h"
 #include "tsxml/tree/tsxml_tree.h"
@@ -12,27 +17,21 @@
 namespace {
 
 using testing_support::BasicInfo;
-using testing_support::EstimateElement;
-using testing_support::Lines;
+using testing_support::MakeCrostonModel;
 using testing_support::MakeESModel;
+using testing_support::MakeFullARIMAModel;
 using testing_support::MakeSimpleModel;
-using tree_testing::kBasicInfo;
-using tree_testing::kDeclaration;
-using tree_testing::kDocumentStart;
-using tree_testing::kRefs;
-using tree_testing::kRootStart;
-using tree_testing::Write;
+using testing_support::MonthlyDateSpec;
+using testing_support::ReadTestData;
 
-constexpr double kMissing = MV::gMissingValue;
+const TSXDictionaryRefs kRefs("S", "", "y");
 
-// The element of MakeSimpleModel() with the references ("S", "", "y") at
-// one tab.
-const std::string kSimpleElement =
-    Lines({"\t<ExpSmoothingModel", "\t\tmodelName=\"S\"",
-           "\t\tvariableID=\"y\">", "\t\t<ESSimple>",
-           EstimateElement(3, "ParmLevel", {}, {"0.25 0.05"}),
-           "\t\t\t<StateLevel>10.5</StateLevel>", "\t\t</ESSimple>"}) +
-    kBasicInfo + "\n\t</ExpSmoothingModel>";
+// The document `tree` writes, which it must.
+std::string Write(TSXMLTree& tree) {
+  std::ostringstream out;
+  EXPECT_TRUE(tree.WriteToStream(out));
+  return out.str();
+}
 
 TEST(NativeDocumentTest, SimpleModelWholeDocumentEmptiesTheTree) {
   TSXMLTree tree;
@@ -40,15 +39,14 @@ TEST(NativeDocumentTest, SimpleModelWholeDocumentEmptiesTheTree) {
   EXPECT_FALSE(tree.WriteToStream(nothing));
   ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), kRefs));
   EXPECT_EQ(tree.GetModelCount(), 1);
-  const std::string document = Write(tree);
-  EXPECT_EQ(document, kDocumentStart + kSimpleElement + "\n</TSCXML>");
+  EXPECT_EQ(Write(tree), ReadTestData("tree/simple.xml"));
   EXPECT_EQ(tree.GetModelCount(), 0);
   // A second write has nothing to write; reused, the tree writes a new
   // document of what was added since.
   EXPECT_FALSE(tree.WriteToStream(nothing));
   EXPECT_EQ(nothing.str(), "");
   ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), kRefs));
-  EXPECT_EQ(Write(tree), document);
+  EXPECT_EQ(Write(tree), ReadTestData("tree/simple.xml"));
 }
 
 TEST(NativeDocumentTest, SeasonalModelWithStatisticsWholeDocument) {
@@ -56,72 +54,62 @@ TEST(NativeDocumentTest, SeasonalModelWithStatisticsWholeDocument) {
   spec.SetYTransformSpec(TSTransformSpec(BFSharedConst::Logarithm));
   EstimationInfo info = BasicInfo(2, 20, 17, 0.004);
   info.SetGOFStat(BFSharedConst::RMSE, 1.25);
-  info.SetGOFStat(BFSharedConst::MAPE, kMissing);
+  info.SetGOFStat(BFSharedConst::MAPE, MV::gMissingValue);
   info.SetGOFStat(BFSharedConst::RSQ, 0.875);
   info.SetLBStat(9.5, 18, 15, 0.8912);
   TSXMLTree tree;
   tree.SetApplication("Forecaster", "2.1", "(c) nobody");
-  TSXDictionaryRefs refs("Sales", "Quarterly & \"net\"", "sales");
   ASSERT_TRUE(tree.AddModelTree(
       MakeESModel(spec, {0.75, 0.001, 0.5}, {0.125, 0.0005, 0.25},
                   WIESSmState(4.5, 0.0125, 3, {0.9, 1.1, 1.05, 0.95}), info),
-      refs));
-  EXPECT_EQ(
-      Write(tree),
-      kDeclaration + kRootStart +
-          Lines({"\t<Header>", "\t\t<Application", "\t\t\tname=\"Forecaster\"",
-                 "\t\t\tversion=\"2.1\"/>", "\t</Header>",
-                 "\t<DataDictionary/>", "\t<ExpSmoothingModel",
-                 "\t\tmodelName=\"Sales\"",
-                 "\t\tmodelDescriptor=\"Quarterly &amp; &quot;net&quot;\"",
-                 "\t\tvariableID=\"sales\">", "\t\t<Transformation",
-                 "\t\t\tfunction=\"logarithm\"/>"}) +
-          Lines({"\t\t<ESMultiplicativeWinters", "\t\t\tseasonLength=\"4\">",
-                 EstimateElement(3, "ParmLevel", {}, {"0.75 0.125"}),
-                 EstimateElement(3, "ParmTrend", {}, {"0.001 0.0005"}),
-                 EstimateElement(3, "ParmSeason", {}, {"0.5 0.25"}),
-                 "\t\t\t<StateLevel>4.5</StateLevel>",
-                 "\t\t\t<StateTrend>0.0125</StateTrend>", "\t\t\t<StateSeason",
-                 "\t\t\t\tphase=\"3\">0.9 1.1 1.05 0.95</StateSeason>",
-                 "\t\t</ESMultiplicativeWinters>"}) +
-          Lines({"\t\t<EstimationInfo", "\t\t\tperiodStartIndex=\"2\"",
-                 "\t\t\tperiodLength=\"20\"", "\t\t\tdegreesOfFreedom=\"17\">",
-                 "\t\t\t<Statistic",
-                 "\t\t\t\ttype=\"errVariance\">0.004</Statistic>",
-                 "\t\t\t<Statistic",
-                 "\t\t\t\ttype=\"rootMeanSqrErr\">1.25</Statistic>",
-                 "\t\t\t<Statistic", "\t\t\t\ttype=\"rSqr\">0.875</Statistic>",
-                 "\t\t\t<LjungBoxStatistic", "\t\t\t\tk=\"18\"",
-                 "\t\t\t\tdegreesOfFreedom=\"15\"",
-                 "\t\t\t\tpValue=\"0.8912\">9.5</LjungBoxStatistic>",
-                 "\t\t</EstimationInfo>", "\t</ExpSmoothingModel>",
-                 "</TSCXML>"}));
+      TSXDictionaryRefs("Sales", "Quarterly & \"net\"", "sales")));
+  EXPECT_EQ(Write(tree), ReadTestData("tree/seasonal.xml"));
 }
 
 TEST(NativeDocumentTest, HeaderFollowsTheApplicationStrings) {
-  struct Case {
-    const char* name;
-    const char* version;
-    std::string header;
-  } cases[] = {
-      {"N", "V",
-       Lines({"\t<Header>", "\t\t<Application", "\t\t\tname=\"N\"",
-              "\t\t\tversion=\"V\"/>", "\t</Header>"})},
-      {"N", "",
-       Lines({"\t<Header>", "\t\t<Application", "\t\t\tname=\"N\"/>",
-              "\t</Header>"})},
-      // A version alone writes nothing, and an empty name clears both.
-      {"", "V", "\n\t<Header/>"},
-  };
-  for (const Case& c : cases) {
-    TSXMLTree tree;
-    tree.SetApplication(c.name, c.version, "copyright");
-    ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), kRefs));
-    EXPECT_EQ(Write(tree), kDeclaration + kRootStart + c.header +
-                               "\n\t<DataDictionary/>" + kSimpleElement +
-                               "\n</TSCXML>")
-        << c.name << "/" << c.version;
-  }
+  TSXMLTree tree;
+  tree.SetApplication("N", "", "copyright");
+  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), kRefs));
+  std::string expected = ReadTestData("tree/simple.xml");
+  expected.replace(
+      expected.find("<Header/>"), 9,
+      "<Header>\n\t\t<Application\n\t\t\tname=\"N\"/>\n\t</Header>");
+  EXPECT_EQ(Write(tree), expected);
+  // An empty name clears the strings set before.
+  tree.SetApplication("", "V", "");
+  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), kRefs));
+  EXPECT_EQ(Write(tree), ReadTestData("tree/simple.xml"));
+}
+
+// Simple and ARIMA models of each state class, a Croston model whose elapsed
+// time sub-model has no level, and a model added in PMML mode, which the
+// native document leaves out; a Croston model goes to the native document
+// whatever the mode.
+TEST(NativeDocumentTest, EveryModelKindInOneDocument) {
+  const TSXDictionaryRefs arimaRefs("Sales", "", "sales", {"price"});
+  TSXMLTree tree;
+  tree.SetPMMLOutput(true);
+  EXPECT_TRUE(tree.AddModelTree(MakeSimpleModel(), TSXDictionaryRefs()));
+  EXPECT_EQ(tree.GetModelCount(), 0);
+  tree.SetPMMLOutput(false);
+  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), kRefs));
+  ASSERT_TRUE(
+      tree.AddModelTree(MakeFullARIMAModel<ARMACLSForecastState>(), arimaRefs));
+  ASSERT_TRUE(
+      tree.AddModelTree(MakeFullARIMAModel<ARMAMLForecastState>(), arimaRefs));
+  ASSERT_TRUE(tree.AddModelTree(MakeFullARIMAModel<ARMAMLSpForecastState>(),
+                                arimaRefs));
+  tree.SetPMMLOutput(true);
+  ASSERT_TRUE(tree.AddModelTree(
+      MakeCrostonModel(BFSharedConst::SquareRoot, MV::gMissingValue),
+      TSXDictionaryRefs("Parts", "spare parts", "demand")));
+  EXPECT_EQ(tree.GetModelCount(), 5);
+  std::ostringstream pmml;
+  EXPECT_TRUE(tree.WriteToStream(pmml));
+  EXPECT_EQ(pmml.str().find("<ExpSmoothingModel"), std::string::npos);
+  EXPECT_EQ(tree.GetModelCount(), 5);
+  tree.SetPMMLOutput(false);
+  EXPECT_EQ(Write(tree), ReadTestData("tree/every_model.xml"));
 }
 
 TEST(NativeDocumentTest, BareElementsWhenNotComplete) {
@@ -131,12 +119,7 @@ TEST(NativeDocumentTest, BareElementsWhenNotComplete) {
   ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), kRefs));
   std::ostringstream out;
   EXPECT_TRUE(imp->WriteToStream(out, false));
-  // The elements at level 0, one behind the other.
-  std::string element = kSimpleElement;
-  for (size_t at = element.find("\n\t"); at != std::string::npos;
-       at = element.find("\n\t", at + 1)) {
-    element.erase(at + 1, 1);
-  }
+  const std::string element = ReadTestData("tree/simple_element.xml");
   EXPECT_EQ(out.str(), element + element);
   EXPECT_EQ(tree.GetModelCount(), 0);
   EXPECT_FALSE(imp->WriteToStream(out, false));
@@ -157,15 +140,36 @@ TEST(CheckDictRefsTest, RefusedModelsLeaveTheTreeUnchanged) {
   ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), kRefs));
   for (const TSXDictionaryRefs& refs : refused) {
     EXPECT_FALSE(tree.AddModelTree(MakeSimpleModel(), refs));
+    EXPECT_FALSE(tree.AddModelTree(MakeCrostonModel(), refs));
   }
-  // An empty handle, and a model its element can't be made of.
+  // Empty handles, a model its element can't be made of, and ARIMA models
+  // whose predictors the references don't name one for one.
   EXPECT_FALSE(tree.AddModelTree(TSFModel(), kRefs));
+  EXPECT_FALSE(tree.AddModelTree(TSFCrModel(), kRefs));
   EXPECT_FALSE(
       tree.AddModelTree(MakeESModel(ESModelSpec(ESModelSpec::ESSimple), {0.2},
-                                    {}, WIESSmState(kMissing, 0)),
+                                    {}, WIESSmState(MV::gMissingValue, 0)),
                         kRefs));
+  const TSFModel arima = MakeFullARIMAModel<ARMACLSForecastState>();
+  EXPECT_FALSE(tree.AddModelTree(arima, kRefs));
+  EXPECT_FALSE(
+      tree.AddModelTree(arima, TSXDictionaryRefs("A", "", "y", {"p", "q"})));
   EXPECT_EQ(tree.GetModelCount(), 1);
-  EXPECT_EQ(Write(tree), kDocumentStart + kSimpleElement + "\n</TSCXML>");
+  EXPECT_EQ(Write(tree), ReadTestData("tree/simple.xml"));
+}
+
+TEST(ModelXMLTreeMakerTest, ReleaseTreeGivesTheElementOnceAndNoneOnAMismatch) {
+  TSFModel model = MakeSimpleModel();
+  ModelXMLTreeMaker maker(kRefs, model.GetImp()->GetEstimationInfo());
+  model.GetImp()->GetForecastState()->Accept(maker);
+  std::unique_ptr<OstraTimeXML::XMLElement> element(maker.ReleaseTree());
+  EXPECT_NE(element, nullptr);
+  EXPECT_EQ(maker.ReleaseTree(), nullptr);
+  // The visit builds nothing when the predictor names don't match.
+  model = MakeFullARIMAModel<ARMACLSForecastState>();
+  ModelXMLTreeMaker mismatch(kRefs, model.GetImp()->GetEstimationInfo());
+  model.GetImp()->GetForecastState()->Accept(mismatch);
+  EXPECT_EQ(mismatch.ReleaseTree(), nullptr);
 }
 
 TEST(TreeHandleTest, CopiesShareOneTreeAndNullAnswersFalse) {
@@ -183,21 +187,55 @@ TEST(TreeHandleTest, CopiesShareOneTreeAndNullAnswersFalse) {
   TSXMLTree nullCopy(null);
   nullCopy = null;
   null.SetApplication("a", "b", "c");
-  null.SetPMMLOutput(true);
+  null.SetESPMMLOutputTimeValue(false);
+  EXPECT_EQ(null.AddDateSpec(MonthlyDateSpec(2001), "d"), 0);
   EXPECT_FALSE(null.AddModelTree(MakeSimpleModel(), kRefs));
+  EXPECT_FALSE(null.AddModelTree(MakeCrostonModel(), kRefs));
   EXPECT_EQ(null.GetModelCount(), 0);
+  null.SetPMMLOutput(true);
   std::ostringstream out;
   EXPECT_FALSE(nullCopy.WriteToStream(out));
   EXPECT_EQ(out.str(), "");
 }
 
-TEST(ModelXMLTreeMakerTest, ReleaseTreeGivesTheElementOnce) {
-  TSFModel model = MakeSimpleModel();
-  ModelXMLTreeMaker maker(kRefs, model.GetImp()->GetEstimationInfo());
-  model.GetImp()->GetForecastState()->Accept(maker);
-  std::unique_ptr<OstraTimeXML::XMLElement> element(maker.ReleaseTree());
-  EXPECT_NE(element, nullptr);
-  EXPECT_EQ(maker.ReleaseTree(), nullptr);
+TSXDictionaryRefs RefsOn(int dateSpecID) {
+  TSXDictionaryRefs refs("M", "", "y");
+  refs.SetDateSpecID(dateSpecID);
+  return refs;
+}
+
+// The used specifications in registration order, each model with its
+// identifier; a complete write empties the registry.
+TEST(DateSpecRegistryTest, UsedSpecificationsAndAnEmptyRegistryAfterAWrite) {
+  TSXMLTree tree;
+  EXPECT_EQ(tree.AddDateSpec(MonthlyDateSpec(1980), "unused"), 1);
+  EXPECT_EQ(tree.AddDateSpec(MonthlyDateSpec(1990), "B"), 2);
+  EXPECT_EQ(tree.AddDateSpec(MonthlyDateSpec(2001), "A"), 3);
+  // An equivalent specification keeps its identifier and descriptor.
+  EXPECT_EQ(tree.AddDateSpec(MonthlyDateSpec(2001), "again"), 3);
+  EXPECT_FALSE(tree.AddModelTree(MakeSimpleModel(), RefsOn(4)));
+  std::ostringstream nothing;
+  EXPECT_FALSE(tree.WriteToStream(nothing));
+  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), RefsOn(3)));
+  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), RefsOn(3)));
+  ASSERT_TRUE(tree.AddModelTree(MakeCrostonModel(), RefsOn(2)));
+  EXPECT_EQ(Write(tree), ReadTestData("tree/date_specs.xml"));
+  EXPECT_FALSE(tree.AddModelTree(MakeSimpleModel(), RefsOn(3)));
+  EXPECT_EQ(tree.AddDateSpec(MonthlyDateSpec(1990), "new"), 1);
+}
+
+TEST(DateSpecRegistryTest, BareWriteKeepsSpecificationsAndUsedFlags) {
+  TSXMLTreeImp* imp = new TSXMLTreeImp;
+  TSXMLTree tree(imp);
+  const int id = tree.AddDateSpec(MonthlyDateSpec(2001), "kept");
+  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), RefsOn(id)));
+  std::ostringstream bare;
+  ASSERT_TRUE(imp->WriteToStream(bare, false));
+  // Still registered and still used: a model without a date specification
+  // now brings it into the document.
+  EXPECT_EQ(tree.AddDateSpec(MonthlyDateSpec(2001), "x"), id);
+  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), RefsOn(0)));
+  EXPECT_NE(Write(tree).find("dateSpecDescriptor=\"kept\""), std::string::npos);
 }
 
 }  // namespace
