@@ -7,15 +7,13 @@
 #include <memory>
 #include <sstream>
 #include <string>
-#include <utility>
 
 #include "pmml/pmml_test_util.h"
 #include "support/date_spec_fixtures.h"
 #include "support/model_fixtures.h"
+#include "support/test_data.h"
 #include "tsxml/datespec/date_spec.h"
-#include "tsxml/datespec/date_spec_entry.h"
 #include "tsxml/modelapi/forecast_model.h"
-#include "tsxml/native/date_spec_element.h"
 #include "tsxml/tree/tsxml_tree.h"
 #include "tsxml/tree/tsxml_tree_imp.h"
 
@@ -23,75 +21,56 @@ namespace {
 
 using OstraTimeXML::XMLElement;
 using pmml_test::MakeTypeModel;
-using pmml_test::ModelOptions;
 using pmml_test::WriteText;
-using testing_support::BasicInfo;
-using testing_support::Lines;
 using testing_support::MonthlyDateSpec;
-using testing_support::Text;
+using testing_support::ReadTestData;
 using tsxml::TSXPMMLDocument;
 
 const std::string kDeclaration = "<?xml version=\"1.0\" encoding=\"UTF-8\" ?>";
 
-// "Header" with `copyright` and the application `name` and, unless empty,
-// `version`.
-std::string Header(const std::string& copyright, const std::string& name,
-                   const std::string& version = "") {
-  return "\n\t<Header\n\t\tcopyright=\"" + copyright +
-         "\">\n\t\t<Application\n\t\t\tname=\"" + name + "\"" +
-         (version.empty() ? "" : "\n\t\t\tversion=\"" + version + "\"") +
-         "/>\n\t</Header>";
-}
-const std::string kDefaultHeader =
-    Header("www.dmg.org", "TimeSeriesApp", "4.0");
-
-// The document without the declaration: root, `header`, `dictionary` and
-// `models`.
-std::string Body(const std::string& dictionary, const std::string& models = "",
-                 const std::string& header = kDefaultHeader) {
-  return Lines({"<PMML", "\tversion=\"4.2\"",
-                "\txmlns=\"http://www.dmg.org/PMML-4_2\"",
-                "\txmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\"",
-                "\txsi:schemaLocation=\"http://www.dmg.org/PMML-4_2 "
-                "pmml-4-2.xsd\">"}) +
-         header + dictionary + models + "\n</PMML>";
+// The document `document` writes without the declaration, with it put in.
+std::string Bare(TSXPMMLDocument& document, XMLElement* extension = nullptr) {
+  return kDeclaration + WriteText(document, false, extension);
 }
 
-std::string DataField(const std::string& type, const std::string& name) {
-  return "\n\t\t<DataField\n\t\t\tdataType=\"" + type +
-         "\"\n\t\t\toptype=\"continuous\"\n\t\t\tname=\"" + name +
-         "\"\n\t\t\tdisplayName=\"" + name + "\"/>";
+std::string WriteTree(TSXMLTree& tree) {
+  std::ostringstream out;
+  EXPECT_TRUE(tree.WriteToStream(out));
+  return out.str();
 }
 
-// The exponential smoothing form of DataDictionary; `extension` is the text
-// of its first child.
-std::string ESDictionary(const std::string& variable,
-                         const std::string& timeName = "Month",
-                         const std::string& timeType = "date",
-                         const std::string& extension = "") {
-  return "\n\t<DataDictionary\n\t\tnumberOfFields=\"2\">" + extension +
-         DataField("double", variable) + DataField(timeType, timeName) +
-         "\n\t</DataDictionary>";
+// The time field needs both a name and a type; an empty application name
+// changes nothing.
+TEST(PMMLDocumentTest, HeaderAndTimeFieldOfADocumentWithoutModels) {
+  TSXPMMLDocument document;
+  const std::string empty = ReadTestData("tree/pmml_empty.xml");
+  EXPECT_EQ(WriteText(document), empty);
+  EXPECT_EQ(Bare(document), empty);
+  document.SetApplication("", "9", "mine");
+  document.SetDateField("Week", "");
+  EXPECT_EQ(WriteText(document), empty);
+  document.SetDateField("", "time");
+  EXPECT_EQ(WriteText(document), empty);
+  document.SetDateField("Week", "");
+  document.SetDateFieldType("time");
+  document.SetApplication("Forecaster", "", "");
+  EXPECT_EQ(WriteText(document), ReadTestData("tree/pmml_week.xml"));
+  document.SetDateField("Hour", "time");
+  document.SetApplication("A & B", "2.1", "(c) \"us\"");
+  EXPECT_EQ(WriteText(document), ReadTestData("tree/pmml_hour.xml"));
 }
 
-// The ARIMA form of DataDictionary: one double field per name.
-std::string ARIMADictionary(std::initializer_list<std::string> names) {
-  std::string text = "\n\t<DataDictionary\n\t\tnumberOfFields=\"" +
-                     std::to_string(names.size()) + "\">";
-  for (const std::string& name : names) text += DataField("double", name);
-  return text + "\n\t</DataDictionary>";
-}
-
-// The text of every model element of `document`, as the root holds them.
-std::string Models(TSXPMMLDocument& document) {
-  const std::string text = WriteText(document, false);
-  const size_t begin = text.find("</DataDictionary>") + 17;
-  return text.substr(begin, text.size() - begin - 8);
-}
-
-TSFModel MakeARIMAModel() {
-  return TSFModel(new TSFModelImp(
-      std::make_unique<ARMACLSForecastState>(AMModelSpec()), BasicInfo()));
+TEST(PMMLDocumentTest, LastModelDecidesTheDictionaryAndWritesRepeat) {
+  TSXPMMLDocument document;
+  pmml_test::ModelOptions options;
+  options.history = {1, 2};
+  document.AddModel(MakeTypeModel(ESModelSpec::ESSimple, options),
+                    TSXDictionaryRefs("A", "", "sales"), options.history);
+  EXPECT_EQ(WriteText(document), ReadTestData("tree/pmml_sales.xml"));
+  EXPECT_EQ(WriteText(document), ReadTestData("tree/pmml_sales.xml"));
+  document.AddModel(MakeTypeModel(ESModelSpec::ESHolt),
+                    TSXDictionaryRefs("B", "", "visits"), {});
+  EXPECT_EQ(WriteText(document), ReadTestData("tree/pmml_visits.xml"));
 }
 
 // An "Extension" holding one element, as the tree hands date specifications.
@@ -101,88 +80,28 @@ XMLElement* MakeExtension() {
   return extension;
 }
 
-TEST(PMMLDocumentTest, DefaultsAndApplicationStrings) {
-  TSXPMMLDocument document;
-  const std::string empty = Body(ESDictionary(""));
-  EXPECT_EQ(WriteText(document), kDeclaration + empty);
-  EXPECT_EQ(WriteText(document, false), empty);
-  document.SetApplication("", "9", "mine");  // changes nothing
-  EXPECT_EQ(WriteText(document, false), empty);
-
-  document.SetApplication("Forecaster", "", "");
-  EXPECT_EQ(WriteText(document, false),
-            Body(ESDictionary(""), "", Header("www.dmg.org", "Forecaster")));
-  document.SetApplication("A & B", "2.1", "(c) \"us\"");
-  EXPECT_EQ(WriteText(document, false),
-            Body(ESDictionary(""), "",
-                 Header("(c) &quot;us&quot;", "A &amp; B", "2.1")));
-}
-
-TEST(PMMLDocumentTest, LastModelDecidesTheDictionaryAndWritesRepeat) {
-  TSXPMMLDocument document;
-  ModelOptions options;
-  options.history = {1, 2};
-  document.AddModel(MakeTypeModel(ESModelSpec::ESSimple, options),
-                    TSXDictionaryRefs("A", "", "sales"), options.history);
-  const std::string first = Models(document);
-  EXPECT_EQ(WriteText(document),
-            kDeclaration + Body(ESDictionary("sales"), first));
-  EXPECT_EQ(WriteText(document),
-            kDeclaration + Body(ESDictionary("sales"), first));
-  document.AddModel(MakeTypeModel(ESModelSpec::ESHolt),
-                    TSXDictionaryRefs("B", "", "visits"), {});
-  const std::string both = Models(document);
-  EXPECT_EQ(both.substr(0, first.size()), first);
-  EXPECT_NE(both, first);
-  EXPECT_EQ(WriteText(document),
-            kDeclaration + Body(ESDictionary("visits"), both));
-}
-
 TEST(PMMLDocumentTest, ARIMAFormListsPredictorsAndDropsTheDateSpecifications) {
   TSXPMMLDocument document;
   // An empty model selects the ARIMA form and adds no element.
   EXPECT_TRUE(
       document.AddModel(TSFModel(), TSXDictionaryRefs("E", "", "e"), {}));
-  EXPECT_EQ(Models(document), "");
-  EXPECT_EQ(WriteText(document, false), Body(ARIMADictionary({"e"})));
-
+  EXPECT_EQ(Bare(document), ReadTestData("tree/pmml_arima_empty.xml"));
+  const TSFModel arima(
+      new TSFModelImp(std::make_unique<ARMACLSForecastState>(AMModelSpec()),
+                      testing_support::BasicInfo()));
   document.AddModel(MakeTypeModel(ESModelSpec::ESSimple),
                     TSXDictionaryRefs("A", "", "sales"), {});
-  document.AddModel(MakeARIMAModel(),
-                    TSXDictionaryRefs("B", "", "y", {"x1", "x2"}), {});
-  EXPECT_EQ(WriteText(document, false, MakeExtension()),
-            Body(ARIMADictionary({"y", "x1", "x2"}), Models(document)));
-
+  document.AddModel(arima, TSXDictionaryRefs("B", "", "y", {"x1", "x2"}), {});
+  EXPECT_EQ(Bare(document, MakeExtension()),
+            ReadTestData("tree/pmml_arima_predictors.xml"));
   // An empty identifier leaves out the names of its field.
-  document.AddModel(MakeARIMAModel(), TSXDictionaryRefs("B", "", ""), {});
-  EXPECT_EQ(
-      WriteText(document, false),
-      Body(Lines({"\t<DataDictionary", "\t\tnumberOfFields=\"1\">",
-                  "\t\t<DataField", "\t\t\tdataType=\"double\"",
-                  "\t\t\toptype=\"continuous\"/>", "\t</DataDictionary>"}),
-           Models(document)));
-
+  document.AddModel(arima, TSXDictionaryRefs("B", "", ""), {});
+  EXPECT_EQ(Bare(document), ReadTestData("tree/pmml_arima_unnamed.xml"));
   // An exponential smoothing model after it brings the extension back.
   document.AddModel(MakeTypeModel(ESModelSpec::ESSimple),
                     TSXDictionaryRefs("C", "", "z"), {});
-  EXPECT_EQ(
-      WriteText(document, false, MakeExtension()),
-      Body(ESDictionary("z", "Month", "date",
-                        Lines({"\t\t<Extension>", "\t\t\t<DateSpecification/>",
-                               "\t\t</Extension>"})),
-           Models(document)));
-}
-
-TEST(PMMLDocumentTest, TimeFieldNeedsBothNameAndType) {
-  TSXPMMLDocument document;
-  document.SetDateField("Week", "");
-  EXPECT_EQ(WriteText(document, false), Body(ESDictionary("")));
-  document.SetDateFieldType("time");
-  EXPECT_EQ(WriteText(document, false), Body(ESDictionary("", "Week", "time")));
-  document.SetDateField("", "time");
-  EXPECT_EQ(WriteText(document, false), Body(ESDictionary("")));
-  document.SetDateField("Hour", "time");
-  EXPECT_EQ(WriteText(document, false), Body(ESDictionary("", "Hour", "time")));
+  EXPECT_EQ(Bare(document, MakeExtension()),
+            ReadTestData("tree/pmml_es_after_arima.xml"));
 }
 
 TEST(TimeFieldTest, EveryPeriodTypeAndTypesOutsideTheTable) {
@@ -210,21 +129,16 @@ TEST(TimeFieldTest, EveryPeriodTypeAndTypesOutsideTheTable) {
   EXPECT_EQ(name + " " + type, "Year date");
 }
 
-std::string WriteTree(TSXMLTree& tree) {
-  std::ostringstream out;
-  EXPECT_TRUE(tree.WriteToStream(out));
-  return out.str();
-}
-
+// References are not checked: an empty record and an unknown date
+// specification identifier are taken. Models added after
+// SetESPMMLOutputTimeValue(false) have no TimeSeries.
 TEST(PMMLTreeTest, PMMLModeAddsEveryModelAndWritesTheDocument) {
   TSXMLTree tree;
   tree.SetPMMLOutput(true);
   tree.SetApplication("Forecaster", "2", "(c) us");
-  ModelOptions options;
+  pmml_test::ModelOptions options;
   options.history = {4, 5, 6};
   const TSFModel model = MakeTypeModel(ESModelSpec::ESSimple, options);
-  // References are not checked: an empty record and an unknown date
-  // specification identifier are taken.
   TSXDictionaryRefs unknown("U", "", "u");
   unknown.SetDateSpecID(42);
   EXPECT_TRUE(tree.AddModelTree(model, TSXDictionaryRefs()));
@@ -233,17 +147,7 @@ TEST(PMMLTreeTest, PMMLModeAddsEveryModelAndWritesTheDocument) {
   tree.SetESPMMLOutputTimeValue(false);
   EXPECT_TRUE(tree.AddModelTree(model, TSXDictionaryRefs("S", "", "y")));
   EXPECT_EQ(tree.GetModelCount(), 0);
-
-  // The same models through a document of their own.
-  TSXPMMLDocument document;
-  document.SetApplication("Forecaster", "2", "(c) us");
-  document.AddModel(model, TSXDictionaryRefs(), options.history);
-  document.AddModel(model, unknown, options.history);
-  document.AddModel(TSFModel(), TSXDictionaryRefs("E", "", "e"), {});
-  document.SetESPMMLOutputTimeValue(false);
-  document.AddModel(model, TSXDictionaryRefs("S", "", "y"), options.history);
-  const std::string expected = WriteText(document);
-  ASSERT_NE(expected.find("<TimeValue"), std::string::npos);
+  const std::string expected = ReadTestData("tree/pmml_tree.xml");
   EXPECT_EQ(WriteTree(tree), expected);
   // An empty application name later leaves the strings as they were.
   tree.SetApplication("", "", "");
@@ -254,69 +158,32 @@ TEST(PMMLTreeTest, WritesWithAndWithoutTheDeclaration) {
   TSXMLTreeImp* imp = new TSXMLTreeImp;
   TSXMLTree tree(imp);
   tree.SetPMMLOutput(true);
-  EXPECT_TRUE(imp->GetPMMLOutputFlag());
-  std::ostringstream bare;
+  std::ostringstream bare, complete;
   EXPECT_TRUE(imp->WriteToStream(bare, false));
-  EXPECT_EQ(bare.str(), Body(ESDictionary("")));
-  std::ostringstream complete;
+  EXPECT_EQ(kDeclaration + bare.str(), ReadTestData("tree/pmml_empty.xml"));
   EXPECT_TRUE(imp->WritePMMLToStream(complete, true));
-  EXPECT_EQ(complete.str(), kDeclaration + bare.str());
-
-  TSXMLTree null(nullptr);
-  null.SetESPMMLOutputTimeValue(false);
-  null.SetPMMLOutput(true);
-  std::ostringstream nothing;
-  EXPECT_FALSE(null.WriteToStream(nothing));
-  EXPECT_EQ(nothing.str(), "");
+  EXPECT_EQ(complete.str(), ReadTestData("tree/pmml_empty.xml"));
 }
 
-// The "Extension" of DataDictionary holding the elements of `entries`.
-std::string ExtensionOf(
-    std::initializer_list<std::pair<const TSXDateSpecEntry*, int>> entries) {
-  std::string text = "\n\t\t<Extension>";
-  for (const auto& [entry, id] : entries) {
-    std::unique_ptr<XMLElement> element(tsxml::MakeDateSpecificationElement(
-        entry->spec, entry->descriptor, id));
-    text += Text(*element, 3);
-  }
-  return text + "\n\t\t</Extension>";
-}
-
+// Every registered date specification is written, used by a model or not,
+// and the last one registered names the time field of DataDictionary; the
+// model keeps the time field in force when it was added.
 TEST(PMMLTreeTest, EveryDateSpecificationAndTheTimeFieldOfTheLastRegistered) {
   TSXMLTree tree;
   tree.SetPMMLOutput(true);
+  EXPECT_EQ(tree.AddDateSpec(MonthlyDateSpec(2001, 2), "monthly"), 1);
+  EXPECT_EQ(WriteTree(tree), ReadTestData("tree/pmml_monthly.xml"));
   TSXDateSpec days(TSXDateSpec::Week);
   days.AddPeriod(TSXDateSpec::Day, 7, 0, 5);
-  const TSXDateSpecEntry monthly{MonthlyDateSpec(2001, 2), 1, "monthly", false};
-  const TSXDateSpecEntry daily{days, 2, "", false};
-  EXPECT_EQ(tree.AddDateSpec(monthly.spec, "monthly"), 1);
-  const std::string onlyMonthly = ExtensionOf({{&monthly, 1}});
-  EXPECT_EQ(
-      WriteTree(tree),
-      kDeclaration + Body(ESDictionary("", "Month", "date", onlyMonthly)));
-  EXPECT_EQ(tree.AddDateSpec(daily.spec, ""), 2);
-  // The model refers to the monthly specification; the daily one, which no
-  // model refers to, is written as well, and its period names the time field.
+  EXPECT_EQ(tree.AddDateSpec(days, ""), 2);
   TSXDictionaryRefs refs("M", "", "y");
   refs.SetDateSpecID(1);
-  const TSFModel model = MakeTypeModel(ESModelSpec::ESSimple);
-  ASSERT_TRUE(tree.AddModelTree(model, refs));
-
-  TSXPMMLDocument replica;  // the model as it was added: time field "Day"
-  replica.SetDateField("Day", "date");
-  replica.AddModel(model, refs, {});
-  const std::string both = ExtensionOf({{&monthly, 1}, {&daily, 2}});
-  EXPECT_EQ(WriteTree(tree),
-            kDeclaration +
-                Body(ESDictionary("y", "Day", "date", both), Models(replica)));
-
+  ASSERT_TRUE(tree.AddModelTree(MakeTypeModel(ESModelSpec::ESSimple), refs));
+  EXPECT_EQ(WriteTree(tree), ReadTestData("tree/pmml_daily.xml"));
   // An equivalent specification keeps its identifier and descriptor but sets
-  // the time field again: DataDictionary names "Month" now, while the model
-  // added before keeps "Day" in its mining schema.
+  // the time field again.
   EXPECT_EQ(tree.AddDateSpec(MonthlyDateSpec(2001, 2), "again"), 1);
-  EXPECT_EQ(WriteTree(tree),
-            kDeclaration + Body(ESDictionary("y", "Month", "date", both),
-                                Models(replica)));
+  EXPECT_EQ(WriteTree(tree), ReadTestData("tree/pmml_monthly_again.xml"));
 }
 
 }  // namespace
