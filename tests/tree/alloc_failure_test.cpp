@@ -3,7 +3,7 @@
 // sanitizer build checks the leaks).
 #include <gtest/gtest.h>
 
-#include <ostream>
+#include <functional>
 #include <sstream>
 
 #include "support/arima_fixtures.h"
@@ -15,23 +15,21 @@
 
 namespace {
 
-using testing_support::BasicInfo;
 using testing_support::FailingAllocations;
 using testing_support::ForEachFailingAllocation;
 using testing_support::MakeCrostonModel;
-using testing_support::MakeESModel;
 using testing_support::MakeFullARIMAModel;
 using testing_support::MakeSimpleModel;
-using testing_support::ReservedBuffer;
 
 TSFModel MakeSeasonalModel(const std::valarray<double>& history = {}) {
   ESModelSpec spec(ESModelSpec::ESAdditiveWinters, 4);
   spec.SetYTransformSpec(TSTransformSpec(BFSharedConst::Logarithm));
-  EstimationInfo info = BasicInfo();
+  EstimationInfo info = testing_support::BasicInfo();
   info.SetGOFStat(BFSharedConst::RMSE, 1.5);
   info.SetLBStat(3, 18, 15, 0.5);
-  return MakeESModel(spec, {0.5, 0.25, 0.125}, {0.1, 0.2, 0.3},
-                     WIESSmState(10, 1, 2, {1, 2, 3, 4}), info, history);
+  return testing_support::MakeESModel(spec, {0.5, 0.25, 0.125}, {0.1, 0.2, 0.3},
+                                      WIESSmState(10, 1, 2, {1, 2, 3, 4}), info,
+                                      history);
 }
 
 std::string WriteAll(TSXMLTree& tree) {
@@ -40,13 +38,17 @@ std::string WriteAll(TSXMLTree& tree) {
   return out.str();
 }
 
-// A tree with `count` models, the first simple and the others seasonal.
-TSXMLTree MakeTree(int count) {
+// A tree with `count` models, the first simple on "y" and the others
+// seasonal; in PMML mode, with a date specification, the others have a
+// history and are on "z", so that the last add changes DataDictionary.
+TSXMLTree MakeTree(int count, bool pmml = false) {
   TSXMLTree tree;
+  tree.SetPMMLOutput(pmml);
   tree.SetApplication("app", "1", "");
+  if (pmml) tree.AddDateSpec(testing_support::MonthlyDateSpec(2001), "m");
   for (int i = 0; i < count; ++i) {
-    tree.AddModelTree(i == 0 ? MakeSimpleModel() : MakeSeasonalModel(),
-                      TSXDictionaryRefs("M", "", "y"));
+    tree.AddModelTree(i == 0 ? MakeSimpleModel() : MakeSeasonalModel({5, 6, 7}),
+                      TSXDictionaryRefs("M", "", i == 0 || !pmml ? "y" : "z"));
   }
   return tree;
 }
@@ -54,8 +56,8 @@ TSXMLTree MakeTree(int count) {
 // Adds `model` to the tree that `make` gives with every allocation failing
 // in turn: each failure leaves the tree as it was (its model count and its
 // document), and the run that completes gives the tree with the model added.
-template <typename MakeTreeFunction, typename Model>
-void CheckAddToTree(MakeTreeFunction make, const Model& model,
+template <typename Model>
+void CheckAddToTree(const std::function<TSXMLTree()>& make, const Model& model,
                     const TSXDictionaryRefs& refs) {
   TSXMLTree expected = make();
   ASSERT_TRUE(expected.AddModelTree(model, refs));
@@ -85,16 +87,15 @@ void CheckAddToTree(MakeTreeFunction make, const Model& model,
 
 // Writes the tree that `make` gives, of `count` models, with every
 // allocation failing in turn: each failure keeps the models for a later
-// write, and the run that completes writes the whole document.
-template <typename MakeTreeFunction>
-void CheckWriteToStream(MakeTreeFunction make, int count) {
+// write, and the run that completes writes the whole document. The stream
+// has its room before, so that it allocates nothing while armed.
+void CheckWriteToStream(const std::function<TSXMLTree()>& make, int count) {
   TSXMLTree reference = make();
   const std::string expectedText = WriteAll(reference);
 
   const long failures = ForEachFailingAllocation([&](long n) {
     TSXMLTree tree = make();
-    ReservedBuffer buffer(1 << 20);
-    std::ostream out(&buffer);
+    std::ostringstream out(std::string(1 << 20, ' '));
     try {
       FailingAllocations armed(n);
       EXPECT_TRUE(tree.WriteToStream(out));
@@ -104,25 +105,11 @@ void CheckWriteToStream(MakeTreeFunction make, int count) {
       return false;
     }
     EXPECT_EQ(tree.GetModelCount(), 0);
-    EXPECT_EQ(buffer.str(), expectedText);
+    EXPECT_EQ(out.str().substr(0, static_cast<size_t>(out.tellp())),
+              expectedText);
     return true;
   });
   EXPECT_GT(failures, 3);
-}
-
-// A PMML tree with a date specification and `count` models: a simple one on
-// "y", then seasonal ones with a history on "z", so that the last add changes
-// DataDictionary.
-TSXMLTree MakePMMLTree(int count) {
-  TSXMLTree tree;
-  tree.SetPMMLOutput(true);
-  tree.SetApplication("app", "1", "");
-  tree.AddDateSpec(testing_support::MonthlyDateSpec(2001), "monthly");
-  for (int i = 0; i < count; ++i) {
-    tree.AddModelTree(i == 0 ? MakeSimpleModel() : MakeSeasonalModel({5, 6, 7}),
-                      TSXDictionaryRefs("M", "", i == 0 ? "y" : "z"));
-  }
-  return tree;
 }
 
 TEST(AllocationFailureTest, AddModelTreeLeavesTheTreeUnchanged) {
@@ -135,7 +122,7 @@ TEST(AllocationFailureTest, AddModelTreeLeavesTheTreeUnchanged) {
   CheckAddToTree(oneModel, MakeFullARIMAModel<ARMAMLSpForecastState>(), refs);
   CheckAddToTree(oneModel, MakeCrostonModel(BFSharedConst::Logarithm),
                  TSXDictionaryRefs("C", "", "demand"));
-  CheckAddToTree([] { return MakePMMLTree(1); }, MakeSeasonalModel({5, 6, 7}),
+  CheckAddToTree([] { return MakeTree(1, true); }, MakeSeasonalModel({5, 6, 7}),
                  TSXDictionaryRefs("M", "", "z"));
 }
 
@@ -152,7 +139,7 @@ TEST(AllocationFailureTest, WriteToStreamLeavesTheTreeUnchanged) {
       },
       4);
   // PMML models are not counted, and the document stays for another write.
-  CheckWriteToStream([] { return MakePMMLTree(2); }, 0);
+  CheckWriteToStream([] { return MakeTree(2, true); }, 0);
 }
 
 }  // namespace
