@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <ostream>
 #include <sstream>
 
 #include "support/arima_fixtures.h"
@@ -53,82 +54,77 @@ TSXMLTree MakeTree(int count, bool pmml = false) {
   return tree;
 }
 
-// Adds `model` to the tree that `make` gives with every allocation failing
+// Runs `change` on the tree that `make` gives with every allocation failing
 // in turn: each failure leaves the tree as it was (its model count and its
-// document), and the run that completes gives the tree with the model added.
-template <typename Model>
-void CheckAddToTree(const std::function<TSXMLTree()>& make, const Model& model,
-                    const TSXDictionaryRefs& refs) {
-  TSXMLTree expected = make();
-  ASSERT_TRUE(expected.AddModelTree(model, refs));
-  const int expectedCount = expected.GetModelCount();
-  const std::string expectedText = WriteAll(expected);
-  TSXMLTree unchanged = make();
-  const int unchangedCount = unchanged.GetModelCount();
-  const std::string unchangedText = WriteAll(unchanged);
-  ASSERT_NE(expectedText, unchangedText);
-
-  const long failures = ForEachFailingAllocation([&](long n) {
-    TSXMLTree tree = make();
-    try {
-      FailingAllocations armed(n);
-      EXPECT_TRUE(tree.AddModelTree(model, refs));
-    } catch (const std::bad_alloc&) {
-      EXPECT_EQ(tree.GetModelCount(), unchangedCount);
-      EXPECT_EQ(WriteAll(tree), unchangedText);
-      return false;
-    }
-    EXPECT_EQ(tree.GetModelCount(), expectedCount);
-    EXPECT_EQ(WriteAll(tree), expectedText);
-    return true;
-  });
-  EXPECT_GT(failures, 10);
-}
-
-// Writes the tree that `make` gives, of `count` models, with every
-// allocation failing in turn: each failure keeps the models for a later
-// write, and the run that completes writes the whole document. The stream
-// has its room before, so that it allocates nothing while armed.
-void CheckWriteToStream(const std::function<TSXMLTree()>& make, int count) {
-  TSXMLTree reference = make();
-  const std::string expectedText = WriteAll(reference);
+// document), and the run that completes writes what a run without failures
+// writes and leaves the same tree. The stream has its room up front, so that
+// it allocates nothing while armed.
+void CheckEveryFailure(
+    const std::function<TSXMLTree()>& make,
+    const std::function<void(TSXMLTree&, std::ostream&)>& change) {
+  TSXMLTree before = make();
+  const int count = before.GetModelCount();
+  const std::string document = WriteAll(before);
+  TSXMLTree after = make();
+  std::ostringstream written;
+  change(after, written);
+  const int countAfter = after.GetModelCount();
+  const std::string documentAfter = WriteAll(after);
 
   const long failures = ForEachFailingAllocation([&](long n) {
     TSXMLTree tree = make();
     std::ostringstream out(std::string(1 << 20, ' '));
     try {
       FailingAllocations armed(n);
-      EXPECT_TRUE(tree.WriteToStream(out));
+      change(tree, out);
     } catch (const std::bad_alloc&) {
       EXPECT_EQ(tree.GetModelCount(), count);
-      EXPECT_EQ(WriteAll(tree), expectedText);
+      EXPECT_EQ(WriteAll(tree), document);
       return false;
     }
-    EXPECT_EQ(tree.GetModelCount(), 0);
     EXPECT_EQ(out.str().substr(0, static_cast<size_t>(out.tellp())),
-              expectedText);
+              written.str());
+    EXPECT_EQ(tree.GetModelCount(), countAfter);
+    EXPECT_EQ(WriteAll(tree), documentAfter);
     return true;
   });
   EXPECT_GT(failures, 3);
 }
 
-TEST(AllocationFailureTest, AddModelTreeLeavesTheTreeUnchanged) {
-  const auto oneModel = [] { return MakeTree(1); };
-  CheckAddToTree(oneModel, MakeSeasonalModel(),
-                 TSXDictionaryRefs("M", "", "y"));
-  const TSXDictionaryRefs refs("A", "d", "y", {"x"});
-  CheckAddToTree(oneModel, MakeFullARIMAModel<ARMACLSForecastState>(), refs);
-  CheckAddToTree(oneModel, MakeFullARIMAModel<ARMAMLForecastState>(), refs);
-  CheckAddToTree(oneModel, MakeFullARIMAModel<ARMAMLSpForecastState>(), refs);
-  CheckAddToTree(oneModel, MakeCrostonModel(BFSharedConst::Logarithm),
-                 TSXDictionaryRefs("C", "", "demand"));
-  CheckAddToTree([] { return MakeTree(1, true); }, MakeSeasonalModel({5, 6, 7}),
-                 TSXDictionaryRefs("M", "", "z"));
+template <typename Model>
+std::function<void(TSXMLTree&, std::ostream&)> Add(
+    const Model& model, const TSXDictionaryRefs& refs) {
+  return [model, refs](TSXMLTree& tree, std::ostream&) {
+    EXPECT_TRUE(tree.AddModelTree(model, refs));
+  };
 }
 
+TEST(AllocationFailureTest, AddModelTreeLeavesTheTreeUnchanged) {
+  const auto oneModel = [] { return MakeTree(1); };
+  CheckEveryFailure(oneModel,
+                    Add(MakeSeasonalModel(), TSXDictionaryRefs("M", "", "y")));
+  const TSXDictionaryRefs refs("A", "d", "y", {"x"});
+  CheckEveryFailure(oneModel,
+                    Add(MakeFullARIMAModel<ARMACLSForecastState>(), refs));
+  CheckEveryFailure(oneModel,
+                    Add(MakeFullARIMAModel<ARMAMLForecastState>(), refs));
+  CheckEveryFailure(oneModel,
+                    Add(MakeFullARIMAModel<ARMAMLSpForecastState>(), refs));
+  CheckEveryFailure(oneModel, Add(MakeCrostonModel(BFSharedConst::Logarithm),
+                                  TSXDictionaryRefs("C", "", "demand")));
+  CheckEveryFailure(
+      [] { return MakeTree(1, true); },
+      Add(MakeSeasonalModel({5, 6, 7}), TSXDictionaryRefs("M", "", "z")));
+}
+
+// A failed write keeps the models for a later one; PMML models are not
+// counted, and the document stays for another write.
 TEST(AllocationFailureTest, WriteToStreamLeavesTheTreeUnchanged) {
+  const auto write = [](TSXMLTree& tree, std::ostream& out) {
+    EXPECT_TRUE(tree.WriteToStream(out));
+  };
   // Simple, seasonal, ARIMA and Croston models.
-  CheckWriteToStream(
+  CheckEveryFailure(
       [] {
         TSXMLTree tree = MakeTree(2);
         tree.AddModelTree(MakeFullARIMAModel<ARMAMLSpForecastState>(),
@@ -137,9 +133,8 @@ TEST(AllocationFailureTest, WriteToStreamLeavesTheTreeUnchanged) {
                           TSXDictionaryRefs("C", "", "demand"));
         return tree;
       },
-      4);
-  // PMML models are not counted, and the document stays for another write.
-  CheckWriteToStream([] { return MakeTree(2, true); }, 0);
+      write);
+  CheckEveryFailure([] { return MakeTree(2, true); }, write);
 }
 
 }  // namespace
