@@ -5,8 +5,6 @@
 
 #include <cstdlib>
 #include <new>
-#include <streambuf>
-#include <string>
 
 namespace testing_support {
 
@@ -34,29 +32,6 @@ long ForEachFailingAllocation(Step step) {
   while (!step(n)) ++n;
   return n;
 }
-
-// A stream buffer that never allocates: it keeps what fits in the capacity
-// reserved up front and drops the rest.
-class ReservedBuffer : public std::streambuf {
- public:
-  explicit ReservedBuffer(size_t capacity) { text_.reserve(capacity); }
-  const std::string& str() const { return text_; }
-
- protected:
-  int_type overflow(int_type c) override {
-    if (c != traits_type::eof() && text_.size() < text_.capacity()) {
-      text_.push_back(traits_type::to_char_type(c));
-    }
-    return traits_type::not_eof(c);
-  }
-  std::streamsize xsputn(const char* s, std::streamsize n) override {
-    for (std::streamsize i = 0; i < n; ++i) overflow(s[i]);
-    return n;
-  }
-
- private:
-  std::string text_;
-};
 
 }  // namespace testing_support
 
