@@ -1,30 +1,37 @@
-// Native documents through the public tree: whole documents, refused models,
-// the registry of date specifications, handles and bare writes.
+// Documents through the public tree, compared whole with the files
+// tests/data/tree/*.xml: native documents, refused models, handles, bare
+// writes and the registry of date specifications; then the PMML document, its
+// Header and two forms of DataDictionary, and the tree's PMML mode.
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <sstream>
 #include <string>
 
+#include "pmml/pmml_test_util.h"
 #include "support/arima_fixtures.h"
 #include "support/date_spec_fixtures.h"
 #include "support/model_fixtures.h"
 #include "support/test_data.h"
 #include "tsxml/modelapi/forecast_model.h"
 #include "tsxml/native/model_xml_tree_maker.h"
+#include "tsxml/pmml/pmml_document.h"
 #include "tsxml/tree/tsxml_tree.h"
 #include "tsxml/tree/tsxml_tree_imp.h"
 
 namespace {
 
-using testing_support::BasicInfo;
+using OstraTimeXML::XMLElement;
+using pmml_test::MakeTypeModel;
+using pmml_test::WriteText;
 using testing_support::MakeCrostonModel;
-using testing_support::MakeESModel;
 using testing_support::MakeFullARIMAModel;
 using testing_support::MakeSimpleModel;
 using testing_support::MonthlyDateSpec;
-using testing_support::ReadTestData;
+using tsxml::TSXPMMLDocument;
 
 const TSXDictionaryRefs kRefs("S", "", "y");
+const std::string kDeclaration = "<?xml version=\"1.0\" encoding=\"UTF-8\" ?>";
 
 // The document `tree` writes, which it must.
 std::string Write(TSXMLTree& tree) {
@@ -33,26 +40,41 @@ std::string Write(TSXMLTree& tree) {
   return out.str();
 }
 
-TEST(NativeDocumentTest, SimpleModelWholeDocumentEmptiesTheTree) {
+// The file tests/data/tree/`name`.xml.
+std::string Doc(const std::string& name) {
+  return testing_support::ReadTestData("tree/" + name + ".xml");
+}
+
+TSXDictionaryRefs RefsOn(int dateSpecID, const char* name = "M") {
+  TSXDictionaryRefs refs(name, "", "y");
+  refs.SetDateSpecID(dateSpecID);
+  return refs;
+}
+
+// A write empties the tree and a second one has nothing to write; an empty
+// application name clears the strings set before.
+TEST(NativeDocumentTest, SimpleModelAndTheApplicationStrings) {
   TSXMLTree tree;
   std::ostringstream nothing;
   EXPECT_FALSE(tree.WriteToStream(nothing));
   ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), kRefs));
   EXPECT_EQ(tree.GetModelCount(), 1);
-  EXPECT_EQ(Write(tree), ReadTestData("tree/simple.xml"));
+  EXPECT_EQ(Write(tree), Doc("simple"));
   EXPECT_EQ(tree.GetModelCount(), 0);
-  // A second write has nothing to write; reused, the tree writes a new
-  // document of what was added since.
   EXPECT_FALSE(tree.WriteToStream(nothing));
   EXPECT_EQ(nothing.str(), "");
+  tree.SetApplication("N", "", "copyright");
   ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), kRefs));
-  EXPECT_EQ(Write(tree), ReadTestData("tree/simple.xml"));
+  EXPECT_EQ(Write(tree), Doc("simple_named"));
+  tree.SetApplication("", "V", "");
+  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), kRefs));
+  EXPECT_EQ(Write(tree), Doc("simple"));
 }
 
-TEST(NativeDocumentTest, SeasonalModelWithStatisticsWholeDocument) {
+TEST(NativeDocumentTest, SeasonalModelWithStatistics) {
   ESModelSpec spec(ESModelSpec::ESMultiplicativeWinters, 4);
   spec.SetYTransformSpec(TSTransformSpec(BFSharedConst::Logarithm));
-  EstimationInfo info = BasicInfo(2, 20, 17, 0.004);
+  EstimationInfo info = testing_support::BasicInfo(2, 20, 17, 0.004);
   info.SetGOFStat(BFSharedConst::RMSE, 1.25);
   info.SetGOFStat(BFSharedConst::MAPE, MV::gMissingValue);
   info.SetGOFStat(BFSharedConst::RSQ, 0.875);
@@ -60,25 +82,11 @@ TEST(NativeDocumentTest, SeasonalModelWithStatisticsWholeDocument) {
   TSXMLTree tree;
   tree.SetApplication("Forecaster", "2.1", "(c) nobody");
   ASSERT_TRUE(tree.AddModelTree(
-      MakeESModel(spec, {0.75, 0.001, 0.5}, {0.125, 0.0005, 0.25},
-                  WIESSmState(4.5, 0.0125, 3, {0.9, 1.1, 1.05, 0.95}), info),
+      testing_support::MakeESModel(
+          spec, {0.75, 0.001, 0.5}, {0.125, 0.0005, 0.25},
+          WIESSmState(4.5, 0.0125, 3, {0.9, 1.1, 1.05, 0.95}), info),
       TSXDictionaryRefs("Sales", "Quarterly & \"net\"", "sales")));
-  EXPECT_EQ(Write(tree), ReadTestData("tree/seasonal.xml"));
-}
-
-TEST(NativeDocumentTest, HeaderFollowsTheApplicationStrings) {
-  TSXMLTree tree;
-  tree.SetApplication("N", "", "copyright");
-  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), kRefs));
-  std::string expected = ReadTestData("tree/simple.xml");
-  expected.replace(
-      expected.find("<Header/>"), 9,
-      "<Header>\n\t\t<Application\n\t\t\tname=\"N\"/>\n\t</Header>");
-  EXPECT_EQ(Write(tree), expected);
-  // An empty name clears the strings set before.
-  tree.SetApplication("", "V", "");
-  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), kRefs));
-  EXPECT_EQ(Write(tree), ReadTestData("tree/simple.xml"));
+  EXPECT_EQ(Write(tree), Doc("seasonal"));
 }
 
 // Simple and ARIMA models of each state class, a Croston model whose elapsed
@@ -104,37 +112,20 @@ TEST(NativeDocumentTest, EveryModelKindInOneDocument) {
       MakeCrostonModel(BFSharedConst::SquareRoot, MV::gMissingValue),
       TSXDictionaryRefs("Parts", "spare parts", "demand")));
   EXPECT_EQ(tree.GetModelCount(), 5);
-  std::ostringstream pmml;
-  EXPECT_TRUE(tree.WriteToStream(pmml));
-  EXPECT_EQ(pmml.str().find("<ExpSmoothingModel"), std::string::npos);
+  EXPECT_EQ(Write(tree).find("<ExpSmoothingModel"), std::string::npos);
   EXPECT_EQ(tree.GetModelCount(), 5);
   tree.SetPMMLOutput(false);
-  EXPECT_EQ(Write(tree), ReadTestData("tree/every_model.xml"));
-}
-
-TEST(NativeDocumentTest, BareElementsWhenNotComplete) {
-  TSXMLTreeImp* imp = new TSXMLTreeImp;
-  TSXMLTree tree(imp);
-  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), kRefs));
-  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), kRefs));
-  std::ostringstream out;
-  EXPECT_TRUE(imp->WriteToStream(out, false));
-  const std::string element = ReadTestData("tree/simple_element.xml");
-  EXPECT_EQ(out.str(), element + element);
-  EXPECT_EQ(tree.GetModelCount(), 0);
-  EXPECT_FALSE(imp->WriteToStream(out, false));
+  EXPECT_EQ(Write(tree), Doc("every_model"));
 }
 
 TEST(CheckDictRefsTest, RefusedModelsLeaveTheTreeUnchanged) {
-  TSXDictionaryRefs withDateSpec("S", "", "y");
-  withDateSpec.SetDateSpecID(1);
   const TSXDictionaryRefs refused[] = {
       TSXDictionaryRefs(),
       TSXDictionaryRefs("", "d", "y"),
       TSXDictionaryRefs("S", "d", ""),
       TSXDictionaryRefs("S", "", "y", {"x"}),
       TSXDictionaryRefs("S", "", "y", {""}),
-      withDateSpec,
+      RefsOn(1, "S"),
   };
   TSXMLTree tree;
   ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), kRefs));
@@ -142,34 +133,32 @@ TEST(CheckDictRefsTest, RefusedModelsLeaveTheTreeUnchanged) {
     EXPECT_FALSE(tree.AddModelTree(MakeSimpleModel(), refs));
     EXPECT_FALSE(tree.AddModelTree(MakeCrostonModel(), refs));
   }
-  // Empty handles, a model its element can't be made of, and ARIMA models
+  // Empty handles, a model its element can't be made of, and an ARIMA model
   // whose predictors the references don't name one for one.
   EXPECT_FALSE(tree.AddModelTree(TSFModel(), kRefs));
   EXPECT_FALSE(tree.AddModelTree(TSFCrModel(), kRefs));
+  EXPECT_FALSE(tree.AddModelTree(
+      testing_support::MakeESModel(ESModelSpec(ESModelSpec::ESSimple), {0.2},
+                                   {}, WIESSmState(MV::gMissingValue, 0)),
+      kRefs));
+  TSFModel model = MakeFullARIMAModel<ARMACLSForecastState>();
+  EXPECT_FALSE(tree.AddModelTree(model, kRefs));
   EXPECT_FALSE(
-      tree.AddModelTree(MakeESModel(ESModelSpec(ESModelSpec::ESSimple), {0.2},
-                                    {}, WIESSmState(MV::gMissingValue, 0)),
-                        kRefs));
-  const TSFModel arima = MakeFullARIMAModel<ARMACLSForecastState>();
-  EXPECT_FALSE(tree.AddModelTree(arima, kRefs));
-  EXPECT_FALSE(
-      tree.AddModelTree(arima, TSXDictionaryRefs("A", "", "y", {"p", "q"})));
+      tree.AddModelTree(model, TSXDictionaryRefs("A", "", "y", {"p", "q"})));
   EXPECT_EQ(tree.GetModelCount(), 1);
-  EXPECT_EQ(Write(tree), ReadTestData("tree/simple.xml"));
-}
+  EXPECT_EQ(Write(tree), Doc("simple"));
 
-TEST(ModelXMLTreeMakerTest, ReleaseTreeGivesTheElementOnceAndNoneOnAMismatch) {
-  TSFModel model = MakeSimpleModel();
+  // The visit itself builds nothing when the names don't match, and gives a
+  // tree it built only once.
+  ModelXMLTreeMaker mismatch(kRefs, model.GetImp()->GetEstimationInfo());
+  model.GetImp()->GetForecastState()->Accept(mismatch);
+  EXPECT_EQ(mismatch.ReleaseTree(), nullptr);
+  model = MakeSimpleModel();
   ModelXMLTreeMaker maker(kRefs, model.GetImp()->GetEstimationInfo());
   model.GetImp()->GetForecastState()->Accept(maker);
   std::unique_ptr<OstraTimeXML::XMLElement> element(maker.ReleaseTree());
   EXPECT_NE(element, nullptr);
   EXPECT_EQ(maker.ReleaseTree(), nullptr);
-  // The visit builds nothing when the predictor names don't match.
-  model = MakeFullARIMAModel<ARMACLSForecastState>();
-  ModelXMLTreeMaker mismatch(kRefs, model.GetImp()->GetEstimationInfo());
-  model.GetImp()->GetForecastState()->Accept(mismatch);
-  EXPECT_EQ(mismatch.ReleaseTree(), nullptr);
 }
 
 TEST(TreeHandleTest, CopiesShareOneTreeAndNullAnswersFalse) {
@@ -198,12 +187,6 @@ TEST(TreeHandleTest, CopiesShareOneTreeAndNullAnswersFalse) {
   EXPECT_EQ(out.str(), "");
 }
 
-TSXDictionaryRefs RefsOn(int dateSpecID) {
-  TSXDictionaryRefs refs("M", "", "y");
-  refs.SetDateSpecID(dateSpecID);
-  return refs;
-}
-
 // The used specifications in registration order, each model with its
 // identifier; a complete write empties the registry.
 TEST(DateSpecRegistryTest, UsedSpecificationsAndAnEmptyRegistryAfterAWrite) {
@@ -219,23 +202,170 @@ TEST(DateSpecRegistryTest, UsedSpecificationsAndAnEmptyRegistryAfterAWrite) {
   ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), RefsOn(3)));
   ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), RefsOn(3)));
   ASSERT_TRUE(tree.AddModelTree(MakeCrostonModel(), RefsOn(2)));
-  EXPECT_EQ(Write(tree), ReadTestData("tree/date_specs.xml"));
+  EXPECT_EQ(Write(tree), Doc("date_specs"));
   EXPECT_FALSE(tree.AddModelTree(MakeSimpleModel(), RefsOn(3)));
   EXPECT_EQ(tree.AddDateSpec(MonthlyDateSpec(1990), "new"), 1);
 }
 
+// A bare write gives the model elements at level 0 and empties the tree, but
+// keeps the specifications registered and marked used: a model without a
+// date specification brings it into the next document.
 TEST(DateSpecRegistryTest, BareWriteKeepsSpecificationsAndUsedFlags) {
   TSXMLTreeImp* imp = new TSXMLTreeImp;
   TSXMLTree tree(imp);
-  const int id = tree.AddDateSpec(MonthlyDateSpec(2001), "kept");
-  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), RefsOn(id)));
+  EXPECT_EQ(tree.AddDateSpec(MonthlyDateSpec(2001), "kept"), 1);
+  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), RefsOn(1, "S")));
+  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), kRefs));
   std::ostringstream bare;
-  ASSERT_TRUE(imp->WriteToStream(bare, false));
-  // Still registered and still used: a model without a date specification
-  // now brings it into the document.
-  EXPECT_EQ(tree.AddDateSpec(MonthlyDateSpec(2001), "x"), id);
-  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), RefsOn(0)));
+  EXPECT_TRUE(imp->WriteToStream(bare, false));
+  EXPECT_EQ(bare.str(), Doc("bare_elements"));
+  EXPECT_EQ(tree.GetModelCount(), 0);
+  EXPECT_FALSE(imp->WriteToStream(bare, false));
+  EXPECT_EQ(tree.AddDateSpec(MonthlyDateSpec(2001), "x"), 1);
+  ASSERT_TRUE(tree.AddModelTree(MakeSimpleModel(), kRefs));
   EXPECT_NE(Write(tree).find("dateSpecDescriptor=\"kept\""), std::string::npos);
+}
+
+// The document `document` writes without the declaration, with it put in.
+std::string Bare(TSXPMMLDocument& document, XMLElement* extension = nullptr) {
+  return kDeclaration + WriteText(document, false, extension);
+}
+
+// The time field needs both a name and a type; an empty application name
+// changes nothing.
+TEST(PMMLDocumentTest, HeaderAndTimeFieldOfADocumentWithoutModels) {
+  TSXPMMLDocument document;
+  const std::string empty = Doc("pmml_empty");
+  EXPECT_EQ(WriteText(document), empty);
+  EXPECT_EQ(Bare(document), empty);
+  document.SetApplication("", "9", "mine");
+  document.SetDateField("Week", "");
+  EXPECT_EQ(WriteText(document), empty);
+  document.SetDateField("", "time");
+  EXPECT_EQ(WriteText(document), empty);
+  document.SetDateField("Week", "");
+  document.SetDateFieldType("time");
+  document.SetApplication("Forecaster", "", "");
+  EXPECT_EQ(WriteText(document), Doc("pmml_week"));
+  document.SetDateField("Hour", "time");
+  document.SetApplication("A & B", "2.1", "(c) \"us\"");
+  EXPECT_EQ(WriteText(document), Doc("pmml_hour"));
+}
+
+TEST(PMMLDocumentTest, LastModelDecidesTheDictionaryAndWritesRepeat) {
+  TSXPMMLDocument document;
+  pmml_test::ModelOptions options;
+  options.history = {1, 2};
+  document.AddModel(MakeTypeModel(ESModelSpec::ESSimple, options),
+                    TSXDictionaryRefs("A", "", "sales"), options.history);
+  EXPECT_EQ(WriteText(document), Doc("pmml_sales"));
+  EXPECT_EQ(WriteText(document), Doc("pmml_sales"));
+  document.AddModel(MakeTypeModel(ESModelSpec::ESHolt),
+                    TSXDictionaryRefs("B", "", "visits"), {});
+  EXPECT_EQ(WriteText(document), Doc("pmml_visits"));
+}
+
+// An "Extension" holding one element, as the tree hands date specifications.
+XMLElement* MakeExtension() {
+  XMLElement* extension = XMLElement::Create("Extension");
+  extension->AddElement(XMLElement::Create("DateSpecification"));
+  return extension;
+}
+
+TEST(PMMLDocumentTest, ARIMAFormListsPredictorsAndDropsTheDateSpecifications) {
+  TSXPMMLDocument document;
+  // An empty model selects the ARIMA form and adds no element.
+  EXPECT_TRUE(
+      document.AddModel(TSFModel(), TSXDictionaryRefs("E", "", "e"), {}));
+  EXPECT_EQ(Bare(document), Doc("pmml_arima_empty"));
+  const TSFModel arima(
+      new TSFModelImp(std::make_unique<ARMACLSForecastState>(AMModelSpec()),
+                      testing_support::BasicInfo()));
+  document.AddModel(MakeTypeModel(ESModelSpec::ESSimple),
+                    TSXDictionaryRefs("A", "", "sales"), {});
+  document.AddModel(arima, TSXDictionaryRefs("B", "", "y", {"x1", "x2"}), {});
+  EXPECT_EQ(Bare(document, MakeExtension()), Doc("pmml_arima_predictors"));
+  // An empty identifier leaves out the names of its field.
+  document.AddModel(arima, TSXDictionaryRefs("B", "", ""), {});
+  EXPECT_EQ(Bare(document), Doc("pmml_arima_unnamed"));
+  // An exponential smoothing model after it brings the extension back.
+  document.AddModel(MakeTypeModel(ESModelSpec::ESSimple),
+                    TSXDictionaryRefs("C", "", "z"), {});
+  EXPECT_EQ(Bare(document, MakeExtension()), Doc("pmml_es_after_arima"));
+}
+
+TEST(TimeFieldTest, EveryPeriodTypeAndTypesOutsideTheTable) {
+  // Most of these words reach no document of the other tests.
+  std::string name, type, fields;
+  for (int period = 0; period < 11; ++period) {
+    EXPECT_TRUE(tsxml::TimeFieldOfPeriod(period, name, type));
+    fields += name + " " + type + ", ";
+  }
+  EXPECT_EQ(fields,
+            "SimpleSequence time, Cycle date, Year date, Quarter date, Month "
+            "date, Week date, Day date, Hour time, Minute time, Second time, "
+            "Obs time, ");
+  for (const int outside : {-1, 11, 1000}) {
+    EXPECT_FALSE(tsxml::TimeFieldOfPeriod(outside, name, type));
+  }
+  const auto unknown = static_cast<TSXDateSpec::PeriodType>(42);
+  EXPECT_FALSE(tsxml::TimeFieldOfDateSpec(TSXDateSpec(unknown), name, type));
+  EXPECT_EQ(name + " " + type, "Obs time");
+  TSXDateSpec yearThenUnknown(TSXDateSpec::Year);
+  ASSERT_TRUE(yearThenUnknown.AddPeriod(unknown, 4, 0, 0).IsOK());
+  EXPECT_TRUE(tsxml::TimeFieldOfDateSpec(yearThenUnknown, name, type));
+  EXPECT_EQ(name + " " + type, "Year date");
+}
+
+// References are not checked: an empty record and an unknown date
+// specification identifier are taken. Models added after
+// SetESPMMLOutputTimeValue(false) have no TimeSeries.
+TEST(PMMLTreeTest, PMMLModeAddsEveryModelAndWritesTheDocument) {
+  TSXMLTreeImp* imp = new TSXMLTreeImp;
+  TSXMLTree tree(imp);
+  tree.SetPMMLOutput(true);
+  tree.SetApplication("Forecaster", "2", "(c) us");
+  pmml_test::ModelOptions options;
+  options.history = {4, 5, 6};
+  const TSFModel model = MakeTypeModel(ESModelSpec::ESSimple, options);
+  TSXDictionaryRefs unknown("U", "", "u");
+  unknown.SetDateSpecID(42);
+  EXPECT_TRUE(tree.AddModelTree(model, TSXDictionaryRefs()));
+  EXPECT_TRUE(tree.AddModelTree(model, unknown));
+  EXPECT_TRUE(tree.AddModelTree(TSFModel(), TSXDictionaryRefs("E", "", "e")));
+  tree.SetESPMMLOutputTimeValue(false);
+  EXPECT_TRUE(tree.AddModelTree(model, TSXDictionaryRefs("S", "", "y")));
+  EXPECT_EQ(tree.GetModelCount(), 0);
+  const std::string expected = Doc("pmml_tree");
+  EXPECT_EQ(Write(tree), expected);
+  // An empty application name later leaves the strings as they were.
+  tree.SetApplication("", "", "");
+  std::ostringstream bare, complete;
+  EXPECT_TRUE(imp->WriteToStream(bare, false));
+  EXPECT_EQ(kDeclaration + bare.str(), expected);
+  EXPECT_TRUE(imp->WritePMMLToStream(complete, true));
+  EXPECT_EQ(complete.str(), expected);
+}
+
+// Every registered date specification is written, used by a model or not,
+// and the last one registered names the time field of DataDictionary; the
+// model keeps the time field in force when it was added.
+TEST(PMMLTreeTest, EveryDateSpecificationAndTheTimeFieldOfTheLastRegistered) {
+  TSXMLTree tree;
+  tree.SetPMMLOutput(true);
+  EXPECT_EQ(tree.AddDateSpec(MonthlyDateSpec(2001, 2), "monthly"), 1);
+  EXPECT_EQ(Write(tree), Doc("pmml_monthly"));
+  TSXDateSpec days(TSXDateSpec::Week);
+  days.AddPeriod(TSXDateSpec::Day, 7, 0, 5);
+  EXPECT_EQ(tree.AddDateSpec(days, ""), 2);
+  TSXDictionaryRefs refs("M", "", "y");
+  refs.SetDateSpecID(1);
+  ASSERT_TRUE(tree.AddModelTree(MakeTypeModel(ESModelSpec::ESSimple), refs));
+  EXPECT_EQ(Write(tree), Doc("pmml_daily"));
+  // An equivalent specification keeps its identifier and descriptor but sets
+  // the time field again.
+  EXPECT_EQ(tree.AddDateSpec(MonthlyDateSpec(2001, 2), "again"), 1);
+  EXPECT_EQ(Write(tree), Doc("pmml_monthly_again"));
 }
 
 }  // namespace
