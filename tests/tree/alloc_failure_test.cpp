@@ -39,18 +39,25 @@ std::string WriteAll(TSXMLTree& tree) {
   return out.str();
 }
 
-// A tree with `count` models, the first simple on "y" and the others
-// seasonal; in PMML mode, with a date specification, the others have a
-// history and are on "z", so that the last add changes DataDictionary.
+// A tree with the first `count` of a simple model on "y", a seasonal one, an
+// ARIMA one and a Croston one; in PMML mode, with a date specification, the
+// seasonal one is on "z", so that adding it changes DataDictionary.
 TSXMLTree MakeTree(int count, bool pmml = false) {
   TSXMLTree tree;
   tree.SetPMMLOutput(pmml);
   tree.SetApplication("app", "1", "");
   if (pmml) tree.AddDateSpec(testing_support::MonthlyDateSpec(2001), "m");
-  for (int i = 0; i < count; ++i) {
-    tree.AddModelTree(i == 0 ? MakeSimpleModel() : MakeSeasonalModel({5, 6, 7}),
-                      TSXDictionaryRefs("M", "", i == 0 || !pmml ? "y" : "z"));
+  const TSXDictionaryRefs refs("M", "", "y");
+  if (count > 0) tree.AddModelTree(MakeSimpleModel(), refs);
+  if (count > 1) {
+    tree.AddModelTree(MakeSeasonalModel({5, 6, 7}),
+                      TSXDictionaryRefs("M", "", pmml ? "z" : "y"));
   }
+  if (count > 2) {
+    tree.AddModelTree(MakeFullARIMAModel<ARMAMLSpForecastState>(),
+                      TSXDictionaryRefs("A", "", "y", {"x"}));
+  }
+  if (count > 3) tree.AddModelTree(MakeCrostonModel(), refs);
   return tree;
 }
 
@@ -117,24 +124,15 @@ TEST(AllocationFailureTest, AddModelTreeLeavesTheTreeUnchanged) {
       Add(MakeSeasonalModel({5, 6, 7}), TSXDictionaryRefs("M", "", "z")));
 }
 
-// A failed write keeps the models for a later one; PMML models are not
-// counted, and the document stays for another write.
+// A failed write keeps the models for a later one (a native tree of every
+// kind of model; PMML models are not counted and stay for another write).
 TEST(AllocationFailureTest, WriteToStreamLeavesTheTreeUnchanged) {
-  const auto write = [](TSXMLTree& tree, std::ostream& out) {
-    EXPECT_TRUE(tree.WriteToStream(out));
-  };
-  // Simple, seasonal, ARIMA and Croston models.
-  CheckEveryFailure(
-      [] {
-        TSXMLTree tree = MakeTree(2);
-        tree.AddModelTree(MakeFullARIMAModel<ARMAMLSpForecastState>(),
-                          TSXDictionaryRefs("A", "", "y", {"x"}));
-        tree.AddModelTree(MakeCrostonModel(),
-                          TSXDictionaryRefs("C", "", "demand"));
-        return tree;
-      },
-      write);
-  CheckEveryFailure([] { return MakeTree(2, true); }, write);
+  for (const bool pmml : {false, true}) {
+    CheckEveryFailure([pmml] { return MakeTree(pmml ? 2 : 4, pmml); },
+                      [](TSXMLTree& tree, std::ostream& out) {
+                        EXPECT_TRUE(tree.WriteToStream(out));
+                      });
+  }
 }
 
 }  // namespace
