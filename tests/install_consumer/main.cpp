@@ -1,8 +1,7 @@
-// Builds one model with the installed headers and writes its document.
-#include <tsxml/modelapi/forecast_model.h>
+// Builds one model with the installed headers, writes its document and
+// prints the version it was built against.
 #include <tsxml/tree/tsxml_tree.h>
-#include <tsxml/xml/number_text.h>
-#include <tsxml/xml/xml_node.h>
+#include <tsxml/tsxml.h>
 
 #include <iostream>
 #include <memory>
@@ -23,6 +22,11 @@ int main() {
     std::cerr << "consumer: unexpected output\n" << out.str() << '\n';
     return 1;
   }
-  std::cout << "consumer: ok\n";
+  int status = 0;
+  if (TSXNormalQuantile(0.5) != 0.0 || TSXStudentTCDF(0.0, 5, status) != 0.5) {
+    std::cerr << "consumer: unexpected distribution values\n";
+    return 1;
+  }
+  std::cout << "consumer: ok, tsxml " << TSXML_VERSION << '\n';
   return 0;
 }

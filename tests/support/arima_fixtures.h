@@ -68,20 +68,17 @@ TSFModel MakeFullARIMAModel() {
   return TSFModel(new TSFModelImp(std::move(state), BasicInfo()));
 }
 
-// A simple smoothing state with level `level` and alpha `alpha` (0.05).
-inline ESForecastState MakeSubmodelState(double level, double alpha) {
-  return ESForecastState(ESModelSpec(ESModelSpec::ESSimple), {alpha}, {0.05},
-                         WIESSmState(level, 0.0));
-}
-
-// A Croston model of the three sub-models with levels 12.5, `elapsedLevel`
-// and 4.
+// A Croston model of three simple smoothing sub-models with levels 12.5,
+// `elapsedLevel` and 4, alphas 0.2, 0.1 and 0.3 (each 0.05).
 inline TSFCrModel MakeCrostonModel(
     unsigned function = BFSharedConst::NoTransform,
     double elapsedLevel = 3.25) {
+  const auto state = [](double level, double alpha) {
+    return ESForecastState(ESModelSpec(ESModelSpec::ESSimple), {alpha}, {0.05},
+                           WIESSmState(level, 0.0));
+  };
   return TSFCrModel(new TSFCrModelImp(
-      MakeSubmodelState(12.5, 0.2), MakeSubmodelState(elapsedLevel, 0.1),
-      MakeSubmodelState(4, 0.3), BasicInfo(),
+      state(12.5, 0.2), state(elapsedLevel, 0.1), state(4, 0.3), BasicInfo(),
       static_cast<BFSharedConst::TSFunctionType>(function)));
 }
 

@@ -5,8 +5,6 @@
 
 #include <cstdlib>
 #include <new>
-#include <streambuf>
-#include <string>
 
 namespace testing_support {
 
@@ -16,47 +14,6 @@ namespace testing_support {
 inline long gAllocationsUntilFailure = -1;
 inline bool gFailAlways = false;
 inline long gLiveAllocations = 0;
-
-// Makes the n-th allocation from now (0-based) fail while in scope.
-class FailingAllocations {
- public:
-  explicit FailingAllocations(long n) { gAllocationsUntilFailure = n; }
-  ~FailingAllocations() { gAllocationsUntilFailure = -1; }
-  FailingAllocations(const FailingAllocations&) = delete;
-  FailingAllocations& operator=(const FailingAllocations&) = delete;
-};
-
-// Calls `step(n)` for n = 0, 1, ... until it returns true (the call under
-// test, with FailingAllocations(n), completed); returns the failed runs.
-template <typename Step>
-long ForEachFailingAllocation(Step step) {
-  long n = 0;
-  while (!step(n)) ++n;
-  return n;
-}
-
-// A stream buffer that never allocates: it keeps what fits in the capacity
-// reserved up front and drops the rest.
-class ReservedBuffer : public std::streambuf {
- public:
-  explicit ReservedBuffer(size_t capacity) { text_.reserve(capacity); }
-  const std::string& str() const { return text_; }
-
- protected:
-  int_type overflow(int_type c) override {
-    if (c != traits_type::eof() && text_.size() < text_.capacity()) {
-      text_.push_back(traits_type::to_char_type(c));
-    }
-    return traits_type::not_eof(c);
-  }
-  std::streamsize xsputn(const char* s, std::streamsize n) override {
-    for (std::streamsize i = 0; i < n; ++i) overflow(s[i]);
-    return n;
-  }
-
- private:
-  std::string text_;
-};
 
 }  // namespace testing_support
 

@@ -3,6 +3,7 @@
 // sanitizer build checks the leaks).
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <ostream>
 #include <sstream>
 
@@ -15,23 +16,19 @@
 
 namespace {
 
-using testing_support::BasicInfo;
-using testing_support::FailingAllocations;
-using testing_support::ForEachFailingAllocation;
 using testing_support::MakeCrostonModel;
-using testing_support::MakeESModel;
 using testing_support::MakeFullARIMAModel;
 using testing_support::MakeSimpleModel;
-using testing_support::ReservedBuffer;
 
 TSFModel MakeSeasonalModel(const std::valarray<double>& history = {}) {
   ESModelSpec spec(ESModelSpec::ESAdditiveWinters, 4);
   spec.SetYTransformSpec(TSTransformSpec(BFSharedConst::Logarithm));
-  EstimationInfo info = BasicInfo();
+  EstimationInfo info = testing_support::BasicInfo();
   info.SetGOFStat(BFSharedConst::RMSE, 1.5);
   info.SetLBStat(3, 18, 15, 0.5);
-  return MakeESModel(spec, {0.5, 0.25, 0.125}, {0.1, 0.2, 0.3},
-                     WIESSmState(10, 1, 2, {1, 2, 3, 4}), info, history);
+  return testing_support::MakeESModel(spec, {0.5, 0.25, 0.125}, {0.1, 0.2, 0.3},
+                                      WIESSmState(10, 1, 2, {1, 2, 3, 4}), info,
+                                      history);
 }
 
 std::string WriteAll(TSXMLTree& tree) {
@@ -40,119 +37,102 @@ std::string WriteAll(TSXMLTree& tree) {
   return out.str();
 }
 
-// A tree with `count` models, the first simple and the others seasonal.
-TSXMLTree MakeTree(int count) {
+// A tree with the first `count` of a simple model on "y", a seasonal one, an
+// ARIMA one and a Croston one; in PMML mode, with a date specification, the
+// seasonal one is on "z", so that adding it changes DataDictionary.
+TSXMLTree MakeTree(int count, bool pmml = false) {
   TSXMLTree tree;
+  tree.SetPMMLOutput(pmml);
   tree.SetApplication("app", "1", "");
-  for (int i = 0; i < count; ++i) {
-    tree.AddModelTree(i == 0 ? MakeSimpleModel() : MakeSeasonalModel(),
-                      TSXDictionaryRefs("M", "", "y"));
+  if (pmml) tree.AddDateSpec(testing_support::MonthlyDateSpec(2001), "m");
+  const TSXDictionaryRefs refs("M", "", "y");
+  if (count > 0) tree.AddModelTree(MakeSimpleModel(), refs);
+  if (count > 1) {
+    tree.AddModelTree(MakeSeasonalModel({5, 6, 7}),
+                      TSXDictionaryRefs("M", "", pmml ? "z" : "y"));
   }
+  if (count > 2) {
+    tree.AddModelTree(MakeFullARIMAModel<ARMAMLSpForecastState>(),
+                      TSXDictionaryRefs("A", "", "y", {"x"}));
+  }
+  if (count > 3) tree.AddModelTree(MakeCrostonModel(), refs);
   return tree;
 }
 
-// Adds `model` to the tree that `make` gives with every allocation failing
+// Runs `change` on the tree that `make` gives with every allocation failing
 // in turn: each failure leaves the tree as it was (its model count and its
-// document), and the run that completes gives the tree with the model added.
-template <typename MakeTreeFunction, typename Model>
-void CheckAddToTree(MakeTreeFunction make, const Model& model,
-                    const TSXDictionaryRefs& refs) {
-  TSXMLTree expected = make();
-  ASSERT_TRUE(expected.AddModelTree(model, refs));
-  const int expectedCount = expected.GetModelCount();
-  const std::string expectedText = WriteAll(expected);
-  TSXMLTree unchanged = make();
-  const int unchangedCount = unchanged.GetModelCount();
-  const std::string unchangedText = WriteAll(unchanged);
-  ASSERT_NE(expectedText, unchangedText);
+// document), and the run that completes writes what a run without failures
+// writes and leaves the same tree. The stream has its room up front, so that
+// it allocates nothing while armed.
+void CheckEveryFailure(
+    const std::function<TSXMLTree()>& make,
+    const std::function<void(TSXMLTree&, std::ostream&)>& change) {
+  TSXMLTree before = make();
+  const int count = before.GetModelCount();
+  const std::string document = WriteAll(before);
+  TSXMLTree after = make();
+  std::ostringstream written;
+  change(after, written);
+  const int countAfter = after.GetModelCount();
+  const std::string documentAfter = WriteAll(after);
 
-  const long failures = ForEachFailingAllocation([&](long n) {
+  long n = 0;
+  for (;; ++n) {  // the n-th allocation (0-based) fails
     TSXMLTree tree = make();
+    std::ostringstream out(std::string(1 << 20, ' '));
     try {
-      FailingAllocations armed(n);
-      EXPECT_TRUE(tree.AddModelTree(model, refs));
-    } catch (const std::bad_alloc&) {
-      EXPECT_EQ(tree.GetModelCount(), unchangedCount);
-      EXPECT_EQ(WriteAll(tree), unchangedText);
-      return false;
-    }
-    EXPECT_EQ(tree.GetModelCount(), expectedCount);
-    EXPECT_EQ(WriteAll(tree), expectedText);
-    return true;
-  });
-  EXPECT_GT(failures, 10);
-}
-
-// Writes the tree that `make` gives, of `count` models, with every
-// allocation failing in turn: each failure keeps the models for a later
-// write, and the run that completes writes the whole document.
-template <typename MakeTreeFunction>
-void CheckWriteToStream(MakeTreeFunction make, int count) {
-  TSXMLTree reference = make();
-  const std::string expectedText = WriteAll(reference);
-
-  const long failures = ForEachFailingAllocation([&](long n) {
-    TSXMLTree tree = make();
-    ReservedBuffer buffer(1 << 20);
-    std::ostream out(&buffer);
-    try {
-      FailingAllocations armed(n);
-      EXPECT_TRUE(tree.WriteToStream(out));
-    } catch (const std::bad_alloc&) {
+      testing_support::gAllocationsUntilFailure = n;
+      change(tree, out);
+      testing_support::gAllocationsUntilFailure = -1;
+    } catch (const std::bad_alloc&) {  // which disarmed the allocator
       EXPECT_EQ(tree.GetModelCount(), count);
-      EXPECT_EQ(WriteAll(tree), expectedText);
-      return false;
+      EXPECT_EQ(WriteAll(tree), document);
+      continue;
     }
-    EXPECT_EQ(tree.GetModelCount(), 0);
-    EXPECT_EQ(buffer.str(), expectedText);
-    return true;
-  });
-  EXPECT_GT(failures, 3);
+    EXPECT_EQ(out.str().substr(0, static_cast<size_t>(out.tellp())),
+              written.str());
+    EXPECT_EQ(tree.GetModelCount(), countAfter);
+    EXPECT_EQ(WriteAll(tree), documentAfter);
+    break;
+  }
+  EXPECT_GT(n, 3);
 }
 
-// A PMML tree with a date specification and `count` models: a simple one on
-// "y", then seasonal ones with a history on "z", so that the last add changes
-// DataDictionary.
-TSXMLTree MakePMMLTree(int count) {
-  TSXMLTree tree;
-  tree.SetPMMLOutput(true);
-  tree.SetApplication("app", "1", "");
-  tree.AddDateSpec(testing_support::MonthlyDateSpec(2001), "monthly");
-  for (int i = 0; i < count; ++i) {
-    tree.AddModelTree(i == 0 ? MakeSimpleModel() : MakeSeasonalModel({5, 6, 7}),
-                      TSXDictionaryRefs("M", "", i == 0 ? "y" : "z"));
-  }
-  return tree;
+template <typename Model>
+std::function<void(TSXMLTree&, std::ostream&)> Add(
+    const Model& model, const TSXDictionaryRefs& refs) {
+  return [model, refs](TSXMLTree& tree, std::ostream&) {
+    EXPECT_TRUE(tree.AddModelTree(model, refs));
+  };
 }
 
 TEST(AllocationFailureTest, AddModelTreeLeavesTheTreeUnchanged) {
   const auto oneModel = [] { return MakeTree(1); };
-  CheckAddToTree(oneModel, MakeSeasonalModel(),
-                 TSXDictionaryRefs("M", "", "y"));
+  CheckEveryFailure(oneModel,
+                    Add(MakeSeasonalModel(), TSXDictionaryRefs("M", "", "y")));
   const TSXDictionaryRefs refs("A", "d", "y", {"x"});
-  CheckAddToTree(oneModel, MakeFullARIMAModel<ARMACLSForecastState>(), refs);
-  CheckAddToTree(oneModel, MakeFullARIMAModel<ARMAMLForecastState>(), refs);
-  CheckAddToTree(oneModel, MakeFullARIMAModel<ARMAMLSpForecastState>(), refs);
-  CheckAddToTree(oneModel, MakeCrostonModel(BFSharedConst::Logarithm),
-                 TSXDictionaryRefs("C", "", "demand"));
-  CheckAddToTree([] { return MakePMMLTree(1); }, MakeSeasonalModel({5, 6, 7}),
-                 TSXDictionaryRefs("M", "", "z"));
+  CheckEveryFailure(oneModel,
+                    Add(MakeFullARIMAModel<ARMACLSForecastState>(), refs));
+  CheckEveryFailure(oneModel,
+                    Add(MakeFullARIMAModel<ARMAMLForecastState>(), refs));
+  CheckEveryFailure(oneModel,
+                    Add(MakeFullARIMAModel<ARMAMLSpForecastState>(), refs));
+  CheckEveryFailure(oneModel, Add(MakeCrostonModel(BFSharedConst::Logarithm),
+                                  TSXDictionaryRefs("C", "", "demand")));
+  CheckEveryFailure(
+      [] { return MakeTree(1, true); },
+      Add(MakeSeasonalModel({5, 6, 7}), TSXDictionaryRefs("M", "", "z")));
 }
 
+// A failed write keeps the models for a later one (a native tree of every
+// kind of model; PMML models are not counted and stay for another write).
 TEST(AllocationFailureTest, WriteToStreamLeavesTheTreeUnchanged) {
-  // Simple, seasonal, ARIMA and Croston models.
-  CheckWriteToStream(
-      [] {
-        TSXMLTree tree = MakeTree(2);
-        tree.AddModelTree(MakeFullARIMAModel<ARMAMLSpForecastState>(),
-                          TSXDictionaryRefs("A", "", "y", {"x"}));
-        tree.AddModelTree(MakeCrostonModel(),
-                          TSXDictionaryRefs("C", "", "demand"));
-        return tree;
-      },
-      4);
-  // PMML models are not counted, and the document stays for another write.
-  CheckWriteToStream([] { return MakePMMLTree(2); }, 0);
+  for (const bool pmml : {false, true}) {
+    CheckEveryFailure([pmml] { return MakeTree(pmml ? 2 : 4, pmml); },
+                      [](TSXMLTree& tree, std::ostream& out) {
+                        EXPECT_TRUE(tree.WriteToStream(out));
+                      });
+  }
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 // PMML 4.2 schema with xmllint. Without xmllint or the schema the tests fail
 // when CI=true and are skipped elsewhere.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -55,37 +54,27 @@ class SchemaValidationTest : public ::testing::Test {
     GTEST_SKIP() << "missing " << missing;
   }
 
-  // Whether xmllint finds `document` valid against the schema; what it said
-  // goes to `output`.
+  // Whether xmllint finds `document` valid against the schema; when it
+  // doesn't and `what` is given, the test fails with what xmllint said.
   static bool Validate(const std::string& document,
-                       std::string* output = nullptr) {
+                       const std::string& what = "") {
     static int counter = 0;
     const std::string path = ::testing::TempDir() + "tsxml_pmml_" +
                              std::to_string(getpid()) + "_" +
-                             std::to_string(counter++) + ".xml";
-    std::ofstream(path, std::ios::binary) << document;
-    const std::string command = std::string("xmllint --noout --schema '") +
-                                TSXML_PMML_SCHEMA + "' '" + path + "' 2>&1";
-    bool valid = false;
-    if (FILE* pipe = popen(command.c_str(), "r")) {
-      char buffer[512];
-      size_t size;
-      while ((size = fread(buffer, 1, sizeof buffer, pipe)) > 0) {
-        if (output != nullptr) output->append(buffer, size);
-      }
-      const int status = pclose(pipe);
-      valid = WIFEXITED(status) && WEXITSTATUS(status) == 0;
+                             std::to_string(counter++);
+    std::ofstream(path + ".xml", std::ios::binary) << document;
+    const bool valid =
+        std::system(("xmllint --noout --schema '" TSXML_PMML_SCHEMA "' '" +
+                     path + ".xml' >'" + path + ".out' 2>&1")
+                        .c_str()) == 0;
+    if (!valid && !what.empty()) {
+      ADD_FAILURE() << what << ":\n"
+                    << std::ifstream(path + ".out").rdbuf() << "\n"
+                    << document;
     }
-    std::remove(path.c_str());
+    std::remove((path + ".xml").c_str());
+    std::remove((path + ".out").c_str());
     return valid;
-  }
-
-  static void ExpectValid(const std::string& what,
-                          const std::string& document) {
-    std::string output;
-    EXPECT_TRUE(Validate(document, &output)) << what << ":\n"
-                                             << output << "\n"
-                                             << document;
   }
 };
 
@@ -124,19 +113,15 @@ std::string Document(std::initializer_list<int> types,
   return out.str();
 }
 
-// Replaces the first `from` after `after` by `to`; fails the test if absent.
+// Replaces the first `from` after `after` by `to` (throws if absent).
 std::string Patch(std::string text, const std::string& after,
                   const std::string& from, const std::string& to) {
-  const size_t start = text.find(after);
-  const size_t at = start == std::string::npos ? start : text.find(from, start);
-  if (at == std::string::npos) {
-    ADD_FAILURE() << "no " << from << " after " << after;
-    return text;
-  }
-  return text.replace(at, from.size(), to);
+  return text.replace(text.find(from, text.find(after)), from.size(), to);
 }
 
-TEST_F(SchemaValidationTest, EveryTypeWithAndWithoutTimeSeriesAndDateSpecs) {
+// Each type alone with and without TimeSeries and date specifications, all
+// seven in one document, and the document without models.
+TEST_F(SchemaValidationTest, EveryTypeAndTheEmptyDocument) {
   ModelOptions options;
   options.history = {3, 4.5, MV::gMissingValue, 6};  // a missing observation
   for (int type = 0; type < kTypeCount; ++type) {
@@ -147,22 +132,15 @@ TEST_F(SchemaValidationTest, EveryTypeWithAndWithoutTimeSeriesAndDateSpecs) {
         ASSERT_EQ(document.find("<TimeValue") != std::string::npos, timeSeries);
         ASSERT_EQ(document.find("<DateSpecification") != std::string::npos,
                   dateSpecs);
-        ExpectValid(std::string(kTypeNames[type]) +
-                        (timeSeries ? " with" : " without") + " TimeSeries," +
-                        (dateSpecs ? " with" : " without") + " date specs",
-                    document);
+        Validate(document, kTypeNames[type] + std::to_string(timeSeries) +
+                               std::to_string(dateSpecs));
       }
     }
   }
-}
-
-TEST_F(SchemaValidationTest, AllTypesInOneDocumentAndTheEmptyDocument) {
-  ModelOptions options;
-  options.history = {1, 2, 3};
   options.seasonLength = 12;
-  ExpectValid("seven models", Document({0, 1, 2, 3, 4, 5, 6}, options));
-  ExpectValid("no model", Document({}));
-  ExpectValid("no model, no date specs", Document({}, {}, true, false));
+  Validate(Document({0, 1, 2, 3, 4, 5, 6}, options), "seven models");
+  Validate(Document({}), "no model");
+  Validate(Document({}, {}, true, false), "no model, no date specs");
 }
 
 // A seasonal model whose final state lacks a level, a trend or a seasonal
@@ -171,29 +149,28 @@ TEST_F(SchemaValidationTest, AllTypesInOneDocumentAndTheEmptyDocument) {
 // empty array put in. The other types stay inside the schema.
 TEST_F(SchemaValidationTest, MissingValuesInTheFinalState) {
   for (int type = 0; type < kTypeCount; ++type) {
-    for (const std::string missing : {"level", "trend", "a seasonal value"}) {
+    for (int missing = 0; missing < 3; ++missing) {
       ModelOptions options;
-      options.missingLevel = missing == "level";
-      options.missingTrend = missing == "trend";
-      options.missingSeasonal = missing == "a seasonal value";
-      if ((options.missingTrend && !HasTrend(type)) ||
-          (options.missingSeasonal && !IsSeasonal(type))) {
+      options.missingLevel = missing == 0;
+      options.missingTrend = missing == 1;
+      options.missingSeasonal = missing == 2;
+      if ((missing == 1 && !HasTrend(type)) ||
+          (missing == 2 && !IsSeasonal(type))) {
         continue;
       }
-      const std::string what = kTypeNames[type] + (" missing " + missing);
+      const std::string what = kTypeNames[type] + std::to_string(missing);
       const std::string document = Document({type}, options);
       if (!IsSeasonal(type)) {
-        ExpectValid(what, document);
+        Validate(document, what);
         continue;
       }
       EXPECT_FALSE(Validate(document)) << what;
-      const std::string typeWord = type == ESModelSpec::ESMultiplicativeWinters
-                                       ? "type=\"multiplicative\""
-                                       : "type=\"additive\"";
-      ExpectValid(
-          what + ", array put in",
-          Patch(document, "<Seasonality_ExpoSmooth", typeWord + "/>",
-                typeWord + "><Array type=\"real\"/></Seasonality_ExpoSmooth>"));
+      const std::string word = type == ESModelSpec::ESMultiplicativeWinters
+                                   ? "type=\"multiplicative\""
+                                   : "type=\"additive\"";
+      Validate(Patch(document, "<Seasonality_ExpoSmooth", word + "/>",
+                     word + "><Array type=\"real\"/></Seasonality_ExpoSmooth>"),
+               what + ", array put in");
     }
   }
 }
@@ -204,26 +181,25 @@ TEST_F(SchemaValidationTest, MissingValuesInTheFinalState) {
 // the schema reads as strings, the same text is valid.
 TEST_F(SchemaValidationTest, InfiniteRMSEIsTheOnlyInvalidPart) {
   const double inf = std::numeric_limits<double>::infinity();
-  const std::string infText = OstraTimeXML::Format(inf, false, nullptr);
-  ESModelSpec spec(ESModelSpec::ESAdditiveWinters, 2);
+  const std::string rmse =
+      "RMSE=\"" + OstraTimeXML::Format(inf, false, nullptr) + "\"";
   EstimationInfo info = testing_support::BasicInfo();
   info.SetGOFStat(BFSharedConst::RMSE, inf);
   info.SetErrorVariance(inf);
   TSXMLTree tree;
   tree.SetPMMLOutput(true);
   tree.AddModelTree(
-      testing_support::MakeESModel(spec, {0.5, 0.25, 0.125}, {},
-                                   WIESSmState(1, 0, 0, {inf, -inf}), info, {},
-                                   WIESSmState(1, 0, 0, {1, inf})),
+      testing_support::MakeESModel(
+          ESModelSpec(ESModelSpec::ESAdditiveWinters, 2), {0.5, 0.25, 0.125},
+          {}, WIESSmState(1, 0, 0, {inf, -inf}), info, {},
+          WIESSmState(1, 0, 0, {1, inf})),
       TSXDictionaryRefs("Inf", "", "y"));
   std::ostringstream out;
   tree.WriteToStream(out);
-  const std::string document = out.str();
-  ASSERT_NE(document.find("RMSE=\"" + infText + "\""), std::string::npos);
-  EXPECT_FALSE(Validate(document));
-  ExpectValid("RMSE spelled INF",
-              Patch(document, "<ExponentialSmoothing",
-                    "RMSE=\"" + infText + "\"", "RMSE=\"INF\""));
+  ASSERT_NE(out.str().find(rmse), std::string::npos);
+  EXPECT_FALSE(Validate(out.str()));
+  Validate(Patch(out.str(), "<ExponentialSmoothing", rmse, "RMSE=\"INF\""),
+           "RMSE spelled INF");
 }
 
 }  // namespace

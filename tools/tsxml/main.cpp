@@ -27,6 +27,7 @@
 #include "tools/tsxml/output_file.h"
 #include "tools/tsxml/schema.h"
 #include "tools/tsxml/write.h"
+#include "tsxml/version.h"
 
 namespace {
 
