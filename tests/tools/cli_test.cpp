@@ -216,10 +216,13 @@ TEST_F(Cli, WhatThisBuildCantWriteExitsWith2AndSaysSo) {
 }
 
 TEST_F(Cli, AnInputThatCantBeReadExitsWith1) {
-  const Result result = Tool({"write", Path("missing.json")});
+  Result result = Tool({"write", Path("missing.json")});
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.err, "tsxml: cannot read " + Path("missing.json") +
-                            ": no such file or not readable\n");
+                            ": No such file or directory\n");
+  result = Tool({"write", dir_});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.err, "tsxml: cannot read " + dir_ + ": Is a directory\n");
 }
 
 // ---------------------------------------------------------------------------
@@ -354,7 +357,7 @@ TEST_F(Cli, BatchExitsWith1WhenAnInputCantBeRead) {
   EXPECT_EQ(result.err,
             "tsxml: 2 of 3 inputs failed:\n  " + Path("missing.json") +
                 ": cannot read " + Path("missing.json") +
-                ": no such file or not readable\n  " + Path("sub/a.json") +
+                ": No such file or directory\n  " + Path("sub/a.json") +
                 ": writes the same file a.xml as " + Path("a.json") + "\n");
   EXPECT_EQ(Files("out"), std::vector<std::string>{"a.xml"});
 }

@@ -45,6 +45,22 @@ TEST(BadDescriptions, EachIsRefusedWhereAndWhyTheTableSays) {
   }
 }
 
+// The parser counts an array's elements up to 0xFFFFFF only.
+TEST(Reader, ReadsAHistoryLongerThanTheParserCounts) {
+  const std::size_t length = 0xFFFFFF + 2;
+  std::string json =
+      R"({"models": [{"name": "m", "dependentVariable": "y", "history": [)";
+  json.reserve(json.size() + 2 * length + 100);
+  for (std::size_t i = 0; i < length; ++i) json += i ? ",1" : "1";
+  json += R"(], "exponentialSmoothing": {"type": "simple", "estimates": [0.5],
+      "finalState": {"level": 1}}}]})";
+  const Description description = ReadDescription(json);
+  const std::valarray<double>& history =
+      description.models[0].model.GetImp()->GetHistoryData();
+  EXPECT_EQ(history.size(), length);
+  EXPECT_EQ(history[length - 1], 1.0);
+}
+
 // ---------------------------------------------------------------------------
 // Descriptions and models built in code give the same documents.
 

@@ -148,6 +148,20 @@ class Object {
   std::vector<std::pair<std::string_view, element>> fields_;
 };
 
+// The number of elements of `array`. The parser's own count stops at
+// 0xFFFFFF; a longer array is counted one by one.
+std::size_t Count(const simdjson::dom::array& array) {
+  std::size_t count = array.size();
+  if (count >= 0xFFFFFF) {
+    count = 0;
+    for (element item : array) {
+      static_cast<void>(item);
+      ++count;
+    }
+  }
+  return count;
+}
+
 // A number, null (the missing value) or "NaN", "INF", "-INF".
 double ReadNumber(const element& value, const std::string& pointer) {
   switch (value.type()) {
@@ -185,15 +199,16 @@ Values ReadNumbers(const element& value, const std::string& pointer) {
   if (value.get_array().get(array) != simdjson::SUCCESS) {
     FailType(value, pointer, "an array of numbers");
   }
-  Values numbers(array.size());
+  Values numbers(Count(array));
   std::size_t i = 0;
   for (element item : array) {
-    // The common case first, without building a pointer.
-    if (item.type() == element_type::DOUBLE) {
-      numbers[i] = item.get_double().value_unsafe();
-    } else {
-      numbers[i] = ReadNumber(item, Child(pointer, i));
-    }
+    // Only a string or a wrong type needs the element's pointer.
+    const element_type type = item.type();
+    numbers[i] = type == element_type::STRING || type == element_type::ARRAY ||
+                         type == element_type::OBJECT ||
+                         type == element_type::BOOL
+                     ? ReadNumber(item, Child(pointer, i))
+                     : ReadNumber(item, pointer);
     ++i;
   }
   return numbers;
@@ -752,10 +767,11 @@ void ReadPredictorHistory(const Object& object, unsigned predictors,
   if (!value) return;
   const std::string pointer = object.Pointer("predictorHistory");
   simdjson::dom::array array = ReadArray(*value, pointer, "an array");
-  if (array.size() > predictors) {
+  const std::size_t count = Count(array);
+  if (count > predictors) {
     Fail(pointer, "expected at most one history per transfer function (" +
                       std::to_string(predictors) + "), got " +
-                      std::to_string(array.size()));
+                      std::to_string(count));
   }
   unsigned i = 0;
   for (element item : array) {
@@ -1019,7 +1035,8 @@ Description ReadDescription(std::string_view bytes) {
   simdjson::dom::parser parser;
   element root;
   const simdjson::error_code error =
-      parser.parse(bytes.data(), bytes.size(), true).get(root);
+      parser.parse(bytes.empty() ? "" : bytes.data(), bytes.size(), true)
+          .get(root);
   if (error != simdjson::SUCCESS) {
     throw LocateSyntaxError(bytes, simdjson::error_message(error));
   }

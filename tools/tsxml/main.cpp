@@ -10,16 +10,15 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
+#include <cstring>
 #include <exception>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
-#include <iterator>
 #include <map>
 #include <new>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -40,19 +39,22 @@ constexpr int kBadInput = 2;
 
 // The bytes of `input`, or of standard input for "-".
 std::string ReadInput(const std::string& input) {
-  std::ostringstream bytes;
-  if (input == "-") {
-    bytes << std::cin.rdbuf();
-    if (std::cin.bad()) throw IoError("cannot read standard input");
-    return bytes.str();
+  const bool standardInput = input == "-";
+  const std::string name = standardInput ? "standard input" : input;
+  std::FILE* file = standardInput ? stdin : std::fopen(input.c_str(), "rb");
+  if (!file) throw IoError("cannot read " + name + ": " + std::strerror(errno));
+  std::string bytes;
+  char buffer[1 << 16];
+  std::size_t got = 0;
+  while ((got = std::fread(buffer, 1, sizeof buffer, file)) > 0) {
+    bytes.append(buffer, got);
   }
-  std::ifstream in(input, std::ios::binary);
-  if (!in)
-    throw IoError("cannot read " + input + ": no such file or not readable");
-  std::string text((std::istreambuf_iterator<char>(in)),
-                   std::istreambuf_iterator<char>());
-  if (in.bad()) throw IoError("cannot read " + input);
-  return text;
+  const bool failed = std::ferror(file) != 0;
+  const int error = errno;
+  if (!standardInput) std::fclose(file);
+  if (failed)
+    throw IoError("cannot read " + name + ": " + std::strerror(error));
+  return bytes;
 }
 
 // "INPUT:LINE:COLUMN: /pointer: message" for syntax errors,
@@ -275,6 +277,9 @@ int main(int argc, char** argv) {
     return RunBatch(inputs, outDir, quiet, options);
   } catch (const std::bad_alloc&) {
     std::cerr << "tsxml: out of memory\n";
+    return kIoFailure;
+  } catch (const std::exception& error) {
+    std::cerr << "tsxml: " << error.what() << '\n';
     return kIoFailure;
   }
 }
