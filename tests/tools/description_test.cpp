@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <cmath>
 #include <cstdio>
 #include <iterator>
@@ -13,6 +14,7 @@
 #include <random>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <valarray>
 #include <vector>
 
@@ -153,24 +155,28 @@ class Draw {
 
 const char* const kTransformations[] = {"none", "log", "squareRoot"};
 
-// The fields of a JSON object, added one by one.
-class Object {
- public:
-  Object& Add(const char* name, const std::string& json) {
-    text_ +=
-        (text_.empty() ? "\"" : ", \"") + std::string(name) + "\": " + json;
-    return *this;
+// `text` with each $0 to $9 replaced by the value of that position.
+std::string Fill(std::string_view text, std::vector<std::string> values) {
+  std::string filled;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '$' && i + 1 < text.size() &&
+        std::isdigit(static_cast<unsigned char>(text[i + 1]))) {
+      filled += values.at(static_cast<std::size_t>(text[++i] - '0'));
+    } else {
+      filled += text[i];
+    }
   }
-  Object& Add(const char* name, unsigned value) {
-    return Add(name, std::to_string(value));
+  return filled;
+}
+
+// Joins JSON texts into an array.
+std::string Array(const std::vector<std::string>& items) {
+  std::string text = "[";
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    text += (i ? ", " : "") + items[i];
   }
-  std::string Json() const { return "{" + text_ + "}"; }
-
- private:
-  std::string text_;
-};
-
-std::string Quoted(const std::string& text) { return "\"" + text + "\""; }
+  return text + "]";
+}
 
 // One generated ARIMA model, as a description and in code.
 struct GeneratedArima {
@@ -181,7 +187,6 @@ struct GeneratedArima {
 
 GeneratedArima GenerateArima(Draw& draw) {
   AMModelSpec spec;
-  Object arima;
   const unsigned season = 1 + draw.Below(12), transformation = draw.Below(3);
   const bool constant = draw.Coin();
   const unsigned d = draw.Below(3), sd = draw.Below(2);
@@ -193,73 +198,61 @@ GeneratedArima GenerateArima(Draw& draw) {
   spec.SetYDiff(d, sd);
   spec.SetARStruct(AMPowers(ar), AMPowers(sar));
   spec.SetMAStruct(AMPowers(ma), AMPowers(sma));
-  arima.Add("seasonLength", season)
-      .Add("transformation", Quoted(kTransformations[transformation]))
-      .Add("constant", constant ? "true" : "false")
-      .Add("differencing", d)
-      .Add("seasonalDifferencing", sd)
-      .Add("ar", Json(ar))
-      .Add("seasonalAr", Json(sar))
-      .Add("ma", Json(ma))
-      .Add("seasonalMa", Json(sma));
+  const std::string structure = Fill(
+      R"("seasonLength": $0, "transformation": "$1", "constant": $2,
+      "differencing": $3, "seasonalDifferencing": $4, "ar": $5,
+      "seasonalAr": $6, "ma": $7, "seasonalMa": $8)",
+      {std::to_string(season), kTransformations[transformation],
+       constant ? "true" : "false", std::to_string(d), std::to_string(sd),
+       Json(ar), Json(sar), Json(ma), Json(sma)});
 
   GeneratedArima generated;
-  std::string functions, names;
+  std::vector<std::string> functions, names;
   for (unsigned i = 0, n = draw.Below(3); i < n; ++i) {
     AMPredictorSpec x;
     const unsigned xTransformation = draw.Below(3);
-    const std::vector<unsigned> num = draw.Lags(), snum = draw.Lags();
-    const std::vector<unsigned> den = draw.Lags(), sden = draw.Lags();
     x.transform = TSTransformSpec(xTransformation);
     x.nonSeasonalDiff = draw.Below(2);
     x.seasonalDiff = draw.Below(2);
     x.delay = draw.Below(4);
-    x.numeratorNonSeasonal = AMPowers(num);
-    x.numeratorSeasonal = AMPowers(snum);
-    x.denominatorNonSeasonal = AMPowers(den);
-    x.denominatorSeasonal = AMPowers(sden);
+    const std::vector<unsigned> lags[4] = {draw.Lags(), draw.Lags(),
+                                           draw.Lags(), draw.Lags()};
+    x.numeratorNonSeasonal = AMPowers(lags[0]);
+    x.numeratorSeasonal = AMPowers(lags[1]);
+    x.denominatorNonSeasonal = AMPowers(lags[2]);
+    x.denominatorSeasonal = AMPowers(lags[3]);
     spec.AddPredictor(x);
-    functions +=
-        (i ? ", " : "") +
-        Object()
-            .Add("transformation", Quoted(kTransformations[xTransformation]))
-            .Add("differencing", x.nonSeasonalDiff)
-            .Add("seasonalDifferencing", x.seasonalDiff)
-            .Add("delay", x.delay)
-            .Add("numerator", Json(num))
-            .Add("seasonalNumerator", Json(snum))
-            .Add("denominator", Json(den))
-            .Add("seasonalDenominator", Json(sden))
-            .Json();
+    functions.push_back(Fill(
+        R"({"transformation": "$0", "differencing": $1,
+        "seasonalDifferencing": $2, "delay": $3, "numerator": $4,
+        "seasonalNumerator": $5, "denominator": $6,
+        "seasonalDenominator": $7})",
+        {kTransformations[xTransformation], std::to_string(x.nonSeasonalDiff),
+         std::to_string(x.seasonalDiff), std::to_string(x.delay), Json(lags[0]),
+         Json(lags[1]), Json(lags[2]), Json(lags[3])}));
     generated.predictors.push_back("x" + std::to_string(i));
-    names += (i ? ", " : "") + Quoted(generated.predictors.back());
+    names.push_back("\"x" + std::to_string(i) + "\"");
   }
-  arima.Add("transferFunctions", "[" + functions + "]");
 
   static const char* const kOutliers[] = {
       "additive",   "levelShift",   "transient",     "seasonalAdditive",
       "localTrend", "innovational", "varianceChange"};
   TSOutlierSpecList outliers;
-  std::string outlierJson;
+  std::vector<std::string> outlierJson;
   for (unsigned i = 0, n = draw.Below(4); i < n; ++i) {
     const unsigned type = 1 + draw.Below(7), start = draw.Below(100);
     outliers.Add(TSOutlierSpec(type, start));
-    outlierJson +=
-        (i ? ", " : "") + Object()
-                              .Add("type", Quoted(kOutliers[type - 1]))
-                              .Add("start", start)
-                              .Json();
+    outlierJson.push_back(Fill(R"({"type": "$0", "start": $1})",
+                               {kOutliers[type - 1], std::to_string(start)}));
   }
   spec.SetOutliers(outliers);
   const unsigned count = spec.GetParameterCount(true);
   const std::valarray<double> estimates = draw.Numbers(count);
   const std::valarray<double> errors = draw.Numbers(draw.Below(count + 1));
-  arima.Add("outliers", "[" + outlierJson + "]")
-      .Add("estimates", Json(estimates))
-      .Add("standardErrors", Json(errors));
 
+  // The state, and the fields of its method.
   std::unique_ptr<ARMAForecastState> state;
-  Object stateJson;
+  std::string methodJson;
   const unsigned method = draw.Below(3);
   if (method == 0) {
     auto kalman = std::make_unique<ARMAMLForecastState>(spec);
@@ -268,104 +261,88 @@ GeneratedArima GenerateArima(Draw& draw) {
     const std::valarray<double> vector = draw.Numbers(n);
     kalman->SetFinalOmega(DSymMat(n, omega));
     kalman->SetFinalStateV(vector);
-    stateJson.Add("method", "\"kalmanFilter\"")
-        .Add("omega", Json(omega))
-        .Add("stateVector", Json(vector));
+    methodJson =
+        Fill(R"("method": "kalmanFilter", "omega": $0, "stateVector": $1)",
+             {Json(omega), Json(vector)});
     state = std::move(kalman);
   } else {
-    // The two states that keep the noise.
-    std::unique_ptr<ARMAForecastState> noisy;
     ARMANoiseHistory* noise = nullptr;
     if (method == 1) {
       auto cls = std::make_unique<ARMACLSForecastState>(spec);
       noise = cls.get();
-      noisy = std::move(cls);
-      stateJson.Add("method", "\"conditionalLeastSquares\"");
+      state = std::move(cls);
+      methodJson = R"("method": "conditionalLeastSquares")";
     } else {
       auto theta = std::make_unique<ARMAMLSpForecastState>(spec);
       std::vector<std::vector<double>> thetas(draw.Below(3));
-      std::string thetaJson;
-      for (std::size_t i = 0; i < thetas.size(); ++i) {
-        const std::valarray<double> row = draw.Numbers(draw.Below(4));
-        thetas[i].assign(std::begin(row), std::end(row));
-        thetaJson += (i ? ", " : "") + Json(row);
+      std::vector<std::string> thetaJson;
+      for (std::vector<double>& row : thetas) {
+        const std::valarray<double> values = draw.Numbers(draw.Below(4));
+        row.assign(std::begin(values), std::end(values));
+        thetaJson.push_back(Json(values));
       }
       const std::valarray<double> nu = draw.Numbers(draw.Below(3));
       const unsigned iterations = draw.Below(50);
       theta->SetFinalThetas(thetas);
       theta->SetFinalNu(std::vector<double>(std::begin(nu), std::end(nu)));
       theta->SetFinalIterCount(iterations);
-      stateJson.Add("method", "\"thetaRecursion\"")
-          .Add("thetas", "[" + thetaJson + "]")
-          .Add("nu", Json(nu))
-          .Add("iterations", iterations);
+      methodJson =
+          Fill(R"("method": "thetaRecursion", "thetas": $0,
+          "nu": $1, "iterations": $2)",
+               {Array(thetaJson), Json(nu), std::to_string(iterations)});
       noise = theta.get();
-      noisy = std::move(theta);
+      state = std::move(theta);
     }
     const std::valarray<double> actual = draw.Numbers(draw.Below(4));
     const std::valarray<double> predicted = draw.Numbers(3);
     noise->SetActualN(actual);
     noise->SetPredN(predicted);
-    stateJson.Add("finalNoise", Json(actual))
-        .Add("predictedNoise", Json(predicted));
-    state = std::move(noisy);
+    methodJson += Fill(R"(, "finalNoise": $0, "predictedNoise": $1)",
+                       {Json(actual), Json(predicted)});
   }
   const std::valarray<double> actual = draw.Numbers(draw.Below(5));
   const std::valarray<double> predicted = draw.Numbers(draw.Below(5));
   state->SetActualZ(actual);
   state->SetPredZ(predicted);
-  std::string histories;
+  std::vector<std::string> histories;
   for (unsigned i = 0; i < generated.predictors.size(); ++i) {
-    std::string history = "null";
+    histories.push_back("null");
     if (draw.Coin()) {
       const std::valarray<double> x = draw.Numbers(3), tf = draw.Numbers(3);
       state->SetXHistory(i, x, tf);
-      history = Object()
-                    .Add("predictor", Json(x))
-                    .Add("transferFunction", Json(tf))
-                    .Json();
+      histories.back() = Fill(R"({"predictor": $0, "transferFunction": $1})",
+                              {Json(x), Json(tf)});
     }
-    histories += (i ? ", " : "") + history;
   }
-  stateJson.Add("finalValues", Json(actual))
-      .Add("predictedValues", Json(predicted))
-      .Add("predictorHistory", "[" + histories + "]");
   state->SetParameters(estimates);
   state->SetParameterStdErrors(errors);
   const unsigned begin = draw.Below(10), length = draw.Below(200),
                  horizon = draw.Below(12);
   state->SetStateSpan(TSSpan(begin, length, horizon));
-  arima
-      .Add("stateSpan", Object()
-                            .Add("begin", begin)
-                            .Add("length", length)
-                            .Add("horizon", horizon)
-                            .Json())
-      .Add("state", stateJson.Json());
+  const double variance = draw.Number();
 
   EstimationInfo info;
   info.SetSpan(TSSpan(0, 120));
   info.SetDegreesOfFreedom(120 - count);
-  const double variance = draw.Number();
   info.SetErrorVariance(variance);
   info.SetGOFStat(BFSharedConst::AIC, 321.5);
   info.SetGOFStat(BFSharedConst::LOGLK, -150.25);
-  generated.json =
-      "{\"models\": [" +
-      Object()
-          .Add("name", "\"m\"")
-          .Add("dependentVariable", "\"y\"")
-          .Add("predictors", "[" + names + "]")
-          .Add("estimation",
-               Object()
-                   .Add("span", "{\"length\": 120}")
-                   .Add("degreesOfFreedom", 120 - count)
-                   .Add("errorVariance", Json(variance))
-                   .Add("fit", "{\"aic\": 321.5, \"logLikelihood\": -150.25}")
-                   .Json())
-          .Add("arima", arima.Json())
-          .Json() +
-      "]}";
+  generated.json = Fill(
+      R"({"models": [{"name": "m", "dependentVariable": "y", "predictors": $0,
+      "estimation": {"span": {"length": 120}, "degreesOfFreedom": $1,
+        "errorVariance": $2, "fit": {"aic": 321.5, "logLikelihood": -150.25}},
+      "arima": {$3, "transferFunctions": $4, "outliers": $5,
+        "estimates": $6, "standardErrors": $7, "stateSpan": $8,
+        "state": {$9, )",
+      {Array(names), std::to_string(120 - count), Json(variance), structure,
+       Array(functions), Array(outlierJson), Json(estimates), Json(errors),
+       Fill(R"({"begin": $0, "length": $1, "horizon": $2})",
+            {std::to_string(begin), std::to_string(length),
+             std::to_string(horizon)}),
+       methodJson});
+  generated.json += Fill(
+      R"("finalValues": $0, "predictedValues": $1, "predictorHistory": $2}}}]})",
+      {Json(actual), Json(predicted), Array(histories)});
   generated.model = TSFModel(new TSFModelImp(std::move(state), info));
   return generated;
 }
@@ -388,12 +365,9 @@ const char* const kSmoothingTypes[] = {
     "multiplicativeWinters", "simpleSeasonal", "simple"};
 
 std::string StateJson(const WIESSmState& state) {
-  return Object()
-      .Add("level", Json(state.level))
-      .Add("trend", Json(state.trend))
-      .Add("phase", static_cast<unsigned>(state.phase))
-      .Add("seasonal", Json(state.seasonal))
-      .Json();
+  return Fill(R"({"level": $0, "trend": $1, "phase": $2, "seasonal": $3})",
+              {Json(state.level), Json(state.trend),
+               std::to_string(state.phase), Json(state.seasonal)});
 }
 
 TEST(Faithful, GeneratedSmoothingModelsGiveTheDocumentsOfTheirModel) {
@@ -421,37 +395,20 @@ TEST(Faithful, GeneratedSmoothingModelsGiveTheDocumentsOfTheirModel) {
     info.SetGOFStat(BFSharedConst::MAXAPE, maxAPE);
     info.SetLBStat(12.5, 18, 16, 0.75);
     const std::string json =
-        "{\"application\": {\"name\": \"gen\", \"version\": \"2\"}, "
-        "\"models\": [" +
-        Object()
-            .Add("name", "\"m\"")
-            .Add("descriptor", "\"d <&>\"")
-            .Add("dependentVariable", "\"y\"")
-            .Add("estimation",
-                 Object()
-                     .Add("span", "{\"length\": " +
-                                      std::to_string(history.size()) + "}")
-                     .Add("degreesOfFreedom", df)
-                     .Add("fit",
-                          "{\"mse\": 2.5, \"maxAPE\": " + Json(maxAPE) + "}")
-                     .Add("ljungBox",
-                          "{\"statistic\": 12.5, \"lags\": 18, "
-                          "\"degreesOfFreedom\": 16, \"significance\": 0.75}")
-                     .Json())
-            .Add("history", Json(history))
-            .Add("exponentialSmoothing",
-                 Object()
-                     .Add("type", Quoted(kSmoothingTypes[type]))
-                     .Add("seasonLength", season)
-                     .Add("transformation",
-                          Quoted(kTransformations[transformation]))
-                     .Add("estimates", Json(estimates))
-                     .Add("standardErrors", Json(errors))
-                     .Add("finalState", StateJson(final))
-                     .Add("initialState", StateJson(initial))
-                     .Json())
-            .Json() +
-        "]}";
+        Fill(
+            R"({"application": {"name": "gen", "version": "2"}, "models": [{
+        "name": "m", "descriptor": "d <&>", "dependentVariable": "y",
+        "estimation": {"span": {"length": $0}, "degreesOfFreedom": $1,
+          "fit": {"mse": 2.5, "maxAPE": $2}, "ljungBox": {"statistic": 12.5,
+          "lags": 18, "degreesOfFreedom": 16, "significance": 0.75}},
+        "history": $3, "exponentialSmoothing": {"type": "$4",
+          "seasonLength": $5, "transformation": "$6", "estimates": $7,
+          "standardErrors": $8, "finalState": $9, )",
+            {std::to_string(history.size()), std::to_string(df), Json(maxAPE),
+             Json(history), kSmoothingTypes[type], std::to_string(season),
+             kTransformations[transformation], Json(estimates), Json(errors),
+             StateJson(final)}) +
+        R"("initialState": )" + StateJson(initial) + "}}]}";
     SCOPED_TRACE(json);
     const auto model = [&]() {
       return TSFModel(
