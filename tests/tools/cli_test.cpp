@@ -225,6 +225,15 @@ TEST_F(Cli, AnInputThatCantBeReadExitsWith1) {
   EXPECT_EQ(result.err, "tsxml: cannot read " + dir_ + ": Is a directory\n");
 }
 
+TEST_F(Cli, AStandardOutputThatCantBeWrittenExitsWith1) {
+  for (const std::string& command :
+       {" write " + Quote(kModels + "calls.json"), std::string(" schema")}) {
+    const Result result = Shell("(" + Quote(kTool) + command + " >/dev/full)");
+    EXPECT_EQ(result.status, 1) << command;
+    EXPECT_EQ(result.err, "tsxml: cannot write standard output\n");
+  }
+}
+
 // ---------------------------------------------------------------------------
 // -o FILE: the whole document or nothing.
 

@@ -271,10 +271,14 @@ int main(int argc, char** argv) {
     if (schema->parsed()) {
       std::cout << tsxml_tool::kSchema;
       std::cout.flush();
-      return std::cout ? kSuccess : kIoFailure;
+      if (!std::cout) throw IoError("cannot write standard output");
+      return kSuccess;
     }
     if (write->parsed()) return RunWrite(input, output, options);
     return RunBatch(inputs, outDir, quiet, options);
+  } catch (const IoError& error) {
+    std::cerr << "tsxml: " << error.what() << '\n';
+    return kIoFailure;
   } catch (const std::bad_alloc&) {
     std::cerr << "tsxml: out of memory\n";
     return kIoFailure;
