@@ -143,35 +143,28 @@ TEST(Ownership, HostSubclassesWriteThemselvesAndDeleteInNestedOrder) {
   EXPECT_EQ(log, (std::vector<std::string>{"1", "1.1", "2", "3", "4", "5"}));
 }
 
-// A chain of `depth` elements "e", the innermost holding "&": 100,000 levels
-// flat, and enough formatted levels for long runs of tabs.
-TEST(DeepTree, FlatAndFormattedChains) {
-  for (const int depth : {100000, 3000}) {
-    std::unique_ptr<XMLElement> root(XMLElement::Create("e"));
-    XMLElement* leaf = root.get();
-    for (int i = 1; i < depth; ++i) {
-      XMLElement* child = XMLElement::Create("e");
-      leaf->AddElement(child);
-      leaf = child;
-    }
-    leaf->AddElement(XMLString::Create("&"));
-    const bool formatted = depth < 100000;
-    auto line = [&](int level) {
-      return formatted ? "\n" + std::string(static_cast<size_t>(level), '\t')
-                       : std::string();
-    };
-    std::string expected;
-    for (int i = 0; i < depth; ++i) expected += line(i) + "<e>";
-    expected += "&amp;</e>";
-    for (int i = depth - 1; i-- > 0;) expected += line(i) + "</e>";
-
-    ExportFormat format;
-    format.SetFormat(formatted);
-    format.SetLevel(formatted ? 0 : 3);
-    for (int route = 0; route < 3; ++route) {
-      EXPECT_EQ(Out(*root, format, route), expected);
-      EXPECT_EQ(format.GetLevel(), formatted ? 0 : 3);
-    }
+// A chain of 100,000 elements, the innermost holding "&", is written and
+// deleted without recursion.
+TEST(DeepTree, LongChain) {
+  constexpr int kDepth = 100000;
+  std::unique_ptr<XMLElement> root(XMLElement::Create("e"));
+  XMLElement* leaf = root.get();
+  for (int i = 1; i < kDepth; ++i) {
+    XMLElement* child = XMLElement::Create("e");
+    leaf->AddElement(child);
+    leaf = child;
+  }
+  leaf->AddElement(XMLString::Create("&"));
+  std::string expected;
+  for (int i = 0; i < kDepth; ++i) expected += "<e>";
+  expected += "&amp;";
+  for (int i = 0; i < kDepth; ++i) expected += "</e>";
+  ExportFormat format;
+  format.SetFormat(false);
+  format.SetLevel(3);
+  for (int route = 0; route < 3; ++route) {
+    EXPECT_EQ(Out(*root, format, route), expected);
+    EXPECT_EQ(format.GetLevel(), 3);
   }
 }
 
@@ -202,12 +195,6 @@ struct Layout {
   int level = 0;
 };
 
-// A host subclass that changes nothing; the writer must call its virtuals.
-class PlainHost : public XMLElement {
- public:
-  explicit PlainHost(const std::string& name) : XMLElement(name) {}
-};
-
 class TreeGenerator {
  public:
   explicit TreeGenerator(unsigned seed) : rng_(seed) {}
@@ -221,8 +208,10 @@ class TreeGenerator {
   // to `pieces`, cut where ToStream converts; leaves `f` as the writer must.
   XMLElement* Element(Layout& f, std::vector<std::string>& pieces, int depth) {
     const std::string name = Name();
-    std::unique_ptr<XMLElement> element(Chance(10) ? new PlainHost(name)
-                                                   : XMLElement::Create(name));
+    const bool host = Chance(10);
+    std::unique_ptr<XMLElement> element(host ? new HostElement(name, &log_)
+                                             : XMLElement::Create(name));
+    if (host) pieces.push_back("[mark]");
     const std::string tabs(f.level < 1 ? 0 : static_cast<size_t>(f.level),
                            '\t');
     const std::string inner_tabs(
@@ -291,6 +280,7 @@ class TreeGenerator {
   }
 
   std::mt19937 rng_;
+  std::vector<std::string> log_;
 };
 
 // From random start layouts: ToString (appending to what the string holds),
