@@ -78,6 +78,12 @@ TEST(Document, EveryNodeKindFormattedAndFlat) {
   EXPECT_EQ(Out(*copy, format, 0) + Out(*root, format, 0), formatted);
   EXPECT_EQ(Out(*doc, format, 1) + Out(*root, format, 2), formatted);
   EXPECT_EQ(format.GetLevel(), 0);
+  // A text node on its own, as an element writes it: escaped, and the
+  // layout flags cleared.
+  std::unique_ptr<XMLString> text(XMLString::Create("a<b&c>d"));
+  EXPECT_EQ(Out(*text, format, 0) + Out(*text, format, 2),
+            "a&lt;b&amp;c>da&lt;b&amp;c>d");
+  EXPECT_FALSE(format.IsNewParagraph() || format.HasIndentation());
   std::ostringstream prolog_only;
   WriteTree(prolog_only, nullptr, nullptr, true);
   EXPECT_EQ(prolog_only.str(), kDeclaration);
