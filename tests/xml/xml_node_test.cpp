@@ -1,171 +1,96 @@
+// The XML node model: a worked document by every route, a deep chain, and
+// many generated trees, host subclasses among them, against text built step by
+// step from the layout and escaping rules (replace-all loops, no tables) while
+// the tree is built.
 #include "tsxml/xml/xml_node.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <clocale>
 #include <memory>
+#include <random>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "xml_reference.h"
+#include "support/test_data.h"
 
 namespace OstraTimeXML {
 namespace {
 
-using xml_reference::Declaration;
+using testing_support::ReadTestData;
 
-std::string Text(const XMLInterface& node, ExportFormat& format) {
-  std::string out;
-  EXPECT_EQ(node.ToString(out, format), 0);
-  return out;
-}
+const char kDeclaration[] = "<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\n";
 
-std::string Text(const XMLInterface& node) {
-  ExportFormat format;
-  return Text(node, format);
-}
-
-std::string StreamText(const XMLInterface& node, ExportFormat& format,
-                       bool utf8 = false) {
+// The text of `node` by ToString for `route` 0, else by ToStream, as UTF-8
+// for `route` 2.
+std::string Out(const XMLInterface& node, ExportFormat& format, int route) {
+  std::string text;
   std::ostringstream os;
-  EXPECT_EQ(node.ToStream(os, format, utf8), 0);
-  return os.str();
+  EXPECT_EQ(route == 0 ? node.ToString(text, format)
+                       : node.ToStream(os, format, route == 2),
+            0);
+  return route == 0 ? text : os.str();
 }
 
-// Element `a` with attribute x="1", child `b`, and child `c` holding "t".
-std::unique_ptr<XMLElement> SampleTree() {
-  std::unique_ptr<XMLElement> a(XMLElement::Create("a"));
-  a->AddAttribute("x", "1");
-  a->AddElement(XMLElement::Create("b"));
-  std::unique_ptr<XMLElement> c(XMLElement::Create("c"));
-  c->AddElement(XMLString::Create("t"));
-  a->AddElement(c.release());
-  return a;
-}
-
-std::string AttributeText(const std::string& value) {
-  std::unique_ptr<XMLAttribute> attribute(XMLAttribute::Create("v", value));
-  std::string text = Text(*attribute);
-  return text.substr(3, text.size() - 4);  // without v=" and "
-}
-
-TEST(ElementLayout, WorkedExampleDefaultAndUnformatted) {
-  std::unique_ptr<XMLElement> a = SampleTree();
-  ExportFormat format;
-  EXPECT_EQ(Text(*a, format), "\n<a\n\tx=\"1\">\n\t<b/>\n\t<c>t</c>\n</a>");
-  EXPECT_EQ(StreamText(*a, format),
-            "\n<a\n\tx=\"1\">\n\t<b/>\n\t<c>t</c>\n</a>");
-
-  ExportFormat flat;
-  flat.SetFormat(false);
-  EXPECT_EQ(Text(*a, flat), "<a x=\"1\"><b/><c>t</c></a>");
-  EXPECT_EQ(StreamText(*a, flat), "<a x=\"1\"><b/><c>t</c></a>");
-}
-
-TEST(ElementLayout, EmptyElementsAndMixedContent) {
-  std::unique_ptr<XMLElement> e(XMLElement::Create("e"));
-  EXPECT_EQ(Text(*e), "\n<e/>");
-  e->AddAttribute("y", "2");
-  EXPECT_EQ(Text(*e), "\n<e\n\ty=\"2\"/>");
-  e->AddElement(XMLString::Create("text"));
-  EXPECT_EQ(Text(*e), "\n<e\n\ty=\"2\">text</e>");
-
-  std::unique_ptr<XMLElement> p(XMLElement::Create("p"));
+// One document with every kind of node and attribute, null entries among
+// them, text before an element, and a document type with two extensions:
+// formatted, flat, by string and by stream, raw and as UTF-8.
+TEST(Document, EveryNodeKindFormattedAndFlat) {
+  std::unique_ptr<XMLElement> root(XMLElement::Create("model"));
+  root->AddAttribute("name", " a   b    c ");
+  root->AddAttribute(XMLAttribute::Create("w", 0.25));
+  root->AddAttribute(static_cast<XMLAttribute*>(nullptr));
+  root->AddAttribute("n", 3.0);
+  EXPECT_EQ(root->AddElement(XMLString::Create("x<y&z>")), 1);
+  EXPECT_EQ(root->AddElement(XMLElement::Create("empty")), 2);
+  EXPECT_EQ(root->AddElement(static_cast<XMLElement*>(nullptr)), 3);
+  XMLElement* e = XMLElement::Create("e");
+  e->AddAttribute("k", "v");
+  EXPECT_EQ(root->AddElement(e), 4);
+  XMLElement* p = XMLElement::Create("p");
   p->AddElement(XMLString::Create("text"));
   p->AddElement(XMLElement::Create("q"));
-  EXPECT_EQ(Text(*p), "\n<p>text<q/>\n</p>");
+  EXPECT_EQ(root->AddElement(p), 5);
+  EXPECT_EQ(root->AddElement(static_cast<XMLString*>(nullptr)), 6);
 
-  std::unique_ptr<XMLElement> long_text(XMLElement::Create("l"));
-  const std::string body = "line one\nline two\r\n" + std::string(5000, 'z');
-  long_text->AddElement(XMLString::Create(body));
-  EXPECT_EQ(Text(*long_text), "\n<l>" + body + "</l>");
-}
-
-TEST(ElementLayout, AddCountsBothKindsInOrderAndSkipsNull) {
-  std::unique_ptr<XMLElement> e(XMLElement::Create("e"));
-  EXPECT_EQ(e->AddElement(XMLString::Create("1")), 1);
-  EXPECT_EQ(e->AddElement(XMLElement::Create("two")), 2);
-  EXPECT_EQ(e->AddElement(XMLString::Create("3")), 3);
-  e->AddAttribute(XMLAttribute::Create("w", 0.25));
-  e->AddAttribute("n", 3.0);
-  EXPECT_EQ(Text(*e), "\n<e\n\tw=\"0.25\"\n\tn=\"3\">1<two/>3</e>");
-
-  std::unique_ptr<XMLElement> n(XMLElement::Create("e"));
-  n->AddAttribute(static_cast<XMLAttribute*>(nullptr));
-  n->AddAttribute("k", "v");
-  n->AddElement(static_cast<XMLElement*>(nullptr));
-  n->AddElement(XMLElement::Create("c"));
-  n->AddElement(static_cast<XMLString*>(nullptr));
-  ExportFormat format;
-  EXPECT_EQ(Text(*n, format), "\n<e\n\tk=\"v\">\n\t<c/>\n</e>");
-  EXPECT_EQ(StreamText(*n, format), "\n<e\n\tk=\"v\">\n\t<c/>\n</e>");
-}
-
-TEST(Escaping, TextAndAttributeCharacters) {
-  std::unique_ptr<XMLString> t(XMLString::Create("a<b&c>d"));
-  EXPECT_EQ(Text(*t), "a&lt;b&amp;c>d");
-  EXPECT_EQ(AttributeText("a<b&c>d"), "a&lt;b&amp;c&gt;d");
-  EXPECT_EQ(AttributeText("&lt;"), "&amp;lt;");
-  EXPECT_EQ(AttributeText("a\nb"), "a&#10;b");
-  EXPECT_EQ(AttributeText(""), "");
-
-  std::unique_ptr<XMLAttribute> attribute(XMLAttribute::Create("n m", "v"));
-  EXPECT_EQ(Text(*attribute), "n m=\"v\"");
-}
-
-TEST(Escaping, AttributeBlanks) {
-  EXPECT_EQ(AttributeText(" "), "&#32;");
-  EXPECT_EQ(AttributeText("  "), "&#32;&#32;");
-  EXPECT_EQ(AttributeText("   "), "&#32;&#32;&#32;");
-  EXPECT_EQ(AttributeText("    "), "&#32;&#32; &#32;");
-  EXPECT_EQ(AttributeText("     "), "&#32;&#32; &#32;&#32;");
-  EXPECT_EQ(AttributeText("a b"), "a b");
-  EXPECT_EQ(AttributeText("a  b"), "a &#32;b");
-  EXPECT_EQ(AttributeText("a   b"), "a &#32; b");
-  EXPECT_EQ(AttributeText("a    b"), "a &#32; &#32;b");
-}
-
-TEST(DocType, DeclarationAndExtensions) {
-  std::unique_ptr<XMLDocType> doc(XMLDocType::Create("r", "s", 7));
-  EXPECT_EQ(Text(*doc), Declaration() + "<!DOCTYPE r SYSTEM \"s\">\n");
-
+  std::unique_ptr<XMLDocType> doc(XMLDocType::Create("model", "model.dtd", 7));
   EXPECT_EQ(doc->AddExtension("E"), 2);
-  EXPECT_EQ(Text(*doc), Declaration() + "<!DOCTYPE r SYSTEM \"s\"\n[\nE\n]>\n");
   EXPECT_EQ(doc->AddExtension("<!ENTITY a \"&\">"), 18);
-  const std::string both =
-      Declaration() + "<!DOCTYPE r SYSTEM \"s\"\n[\nE\n<!ENTITY a \"&\">\n]>\n";
-  EXPECT_EQ(Text(*doc), both);
+  // Assignment copies everything that is written; the user value is not.
+  std::unique_ptr<XMLDocType> copy(XMLDocType::Create("x", "y", -5));
+  *copy = *doc;
+
+  const std::string formatted = ReadTestData("xml/document.xml");
+  for (const bool utf8 : {false, true}) {
+    for (const bool format : {true, false}) {
+      std::ostringstream os;
+      EXPECT_EQ((utf8 ? WriteTreeUTF8 : WriteTree)(
+                    os, utf8 ? copy.get() : doc.get(), root.get(), format),
+                0);
+      EXPECT_EQ(os.str(),
+                format ? formatted : ReadTestData("xml/document_flat.xml"));
+    }
+  }
   ExportFormat format;
-  EXPECT_EQ(StreamText(*doc, format), both);
-
-  // The user value is copied but never written.
-  std::unique_ptr<XMLDocType> other(XMLDocType::Create("x", "y", -5));
-  *other = *doc;
-  EXPECT_EQ(Text(*other), both);
-}
-
-TEST(WriteTreeTest, DocTypeAndFlatLayout) {
-  std::unique_ptr<XMLElement> a = SampleTree();
-  std::unique_ptr<XMLDocType> doc(XMLDocType::Create("a", "a.dtd", 0));
-  doc->AddExtension("E");
-  std::ostringstream flat;
-  EXPECT_EQ(WriteTree(flat, doc.get(), a.get(), false), 0);
-  EXPECT_EQ(flat.str(), Declaration() +
-                            "<!DOCTYPE a SYSTEM \"a.dtd\"\n[\nE\n]>\n"
-                            "<a x=\"1\"><b/><c>t</c></a>");
-
-  std::ostringstream utf8;
-  EXPECT_EQ(WriteTreeUTF8(utf8, doc.get(), a.get(), false), 0);
-  EXPECT_EQ(utf8.str(), flat.str());
-
+  EXPECT_EQ(Out(*copy, format, 0) + Out(*root, format, 0), formatted);
+  EXPECT_EQ(Out(*doc, format, 1) + Out(*root, format, 2), formatted);
+  EXPECT_EQ(format.GetLevel(), 0);
+  // A text node on its own, as an element writes it: escaped, and the
+  // layout flags cleared.
+  std::unique_ptr<XMLString> text(XMLString::Create("a<b&c>d"));
+  EXPECT_EQ(Out(*text, format, 0) + Out(*text, format, 2),
+            "a&lt;b&amp;c>da&lt;b&amp;c>d");
+  EXPECT_FALSE(format.IsNewParagraph() || format.HasIndentation());
   std::ostringstream prolog_only;
   WriteTree(prolog_only, nullptr, nullptr, true);
-  EXPECT_EQ(prolog_only.str(), Declaration());
-
+  EXPECT_EQ(prolog_only.str(), kDeclaration);
   const std::string bytes("a\0\xFF\n", 4);
-  std::ostringstream os;
-  EXPECT_EQ(Write(os, bytes), 0);
-  EXPECT_EQ(os.str(), bytes);
+  std::ostringstream raw;
+  EXPECT_EQ(Write(raw, bytes), 0);
+  EXPECT_EQ(raw.str(), bytes);
 }
 
 // A host element that logs its deletion and writes a marker of its own
@@ -190,78 +115,229 @@ class HostElement : public XMLElement {
   std::vector<std::string>* log_;
 };
 
-TEST(Ownership, SubtreeDeletedOnceInNestedOrder) {
-  std::vector<std::string> log;
-  {
-    std::unique_ptr<XMLElement> root(XMLElement::Create("root"));
-    root->AddAttribute("a", "1");
-    HostElement* one = new HostElement("1", &log);
-    root->AddElement(one);
-    std::unique_ptr<XMLElement> plain(XMLElement::Create("plain"));
-    plain->AddElement(new HostElement("2", &log));
-    std::unique_ptr<XMLElement> deeper(XMLElement::Create("deeper"));
-    deeper->AddElement(new HostElement("3", &log));
-    deeper->AddElement(XMLString::Create("t"));
-    plain->AddElement(deeper.release());
-    plain->AddElement(new HostElement("4", &log));
-    root->AddElement(plain.release());
-    one->AddElement(new HostElement("1.1", &log));
-    root->AddElement(new HostElement("5", &log));
-    root->AddElement(static_cast<XMLString*>(nullptr));
+// A chain of 100,000 elements, the innermost holding "&", is written and
+// deleted without recursion.
+TEST(DeepTree, LongChain) {
+  constexpr int kDepth = 100000;
+  std::unique_ptr<XMLElement> root(XMLElement::Create("e"));
+  XMLElement* leaf = root.get();
+  for (int i = 1; i < kDepth; ++i) {
+    XMLElement* child = XMLElement::Create("e");
+    leaf->AddElement(child);
+    leaf = child;
   }
-  // A host element's own destructor runs before its children are deleted.
-  EXPECT_EQ(log, (std::vector<std::string>{"1", "1.1", "2", "3", "4", "5"}));
-}
-
-TEST(Ownership, HostSubclassesWriteThemselvesInPlace) {
-  std::vector<std::string> log;
-  std::unique_ptr<XMLElement> root(XMLElement::Create("r"));
-  root->AddElement(XMLString::Create("x"));
-  HostElement* marked = new HostElement("m", &log);
-  marked->AddElement(XMLElement::Create("inner"));
-  root->AddElement(marked);
-  root->AddElement(XMLElement::Create("after"));
-  const std::string expected =
-      "\n<r>x[mark]<m><inner/>\n\t</m>\n\t<after/>\n</r>";
+  leaf->AddElement(XMLString::Create("&"));
+  std::string expected;
+  for (int i = 0; i < kDepth; ++i) expected += "<e>";
+  expected += "&amp;";
+  for (int i = 0; i < kDepth; ++i) expected += "</e>";
   ExportFormat format;
-  EXPECT_EQ(Text(*root, format), expected);
-  EXPECT_EQ(StreamText(*root, format), expected);
-  EXPECT_EQ(StreamText(*root, format, true), expected);
-  EXPECT_EQ(format.GetLevel(), 0);
+  format.SetFormat(false);
+  format.SetLevel(3);
+  for (int route = 0; route < 3; ++route) {
+    EXPECT_EQ(Out(*root, format, route), expected);
+    EXPECT_EQ(format.GetLevel(), 3);
+  }
 }
 
-// A chain of `depth` elements "e", the innermost holding "&": 100,000 levels
-// flat, and enough formatted levels for long runs of tabs.
-TEST(DeepTree, FlatAndFormattedChains) {
-  for (const int depth : {100000, 3000}) {
-    std::unique_ptr<XMLElement> root(XMLElement::Create("e"));
-    XMLElement* leaf = root.get();
-    for (int i = 1; i < depth; ++i) {
-      XMLElement* child = XMLElement::Create("e");
-      leaf->AddElement(child);
-      leaf = child;
-    }
-    leaf->AddElement(XMLString::Create("&"));
-    const bool formatted = depth < 100000;
-    auto line = [&](int level) {
-      return formatted ? "\n" + std::string(static_cast<size_t>(level), '\t')
-                       : std::string();
-    };
-    std::string expected;
-    for (int i = 0; i < depth; ++i) expected += line(i) + "<e>";
-    expected += "&amp;</e>";
-    for (int i = depth - 1; i-- > 0;) expected += line(i) + "</e>";
+// Replaces every `from` in `text`, scanning on behind each inserted `to`.
+std::string ReplaceAll(std::string text, const std::string& from,
+                       const std::string& to) {
+  for (std::size_t at = text.find(from); at != std::string::npos;
+       at = text.find(from, at + to.size())) {
+    text.replace(at, from.size(), to);
+  }
+  return text;
+}
 
-    ExportFormat format;
-    format.SetFormat(formatted);
-    format.SetLevel(formatted ? 0 : 3);
-    EXPECT_EQ(Text(*root, format), expected);
-    EXPECT_EQ(format.GetLevel(), formatted ? 0 : 3);
-    EXPECT_EQ(StreamText(*root, format), expected);
-    EXPECT_EQ(StreamText(*root, format, true), expected);
-    std::ostringstream os;
-    WriteTree(os, nullptr, root.get(), formatted);
-    EXPECT_EQ(os.str(), Declaration() + expected);
+std::string EscapeAttribute(std::string text) {
+  const std::pair<const char*, const char*> steps[] = {
+      {"&", "&amp;"}, {"<", "&lt;"},   {">", "&gt;"},   {"\"", "&quot;"},
+      {"\t", "&#9;"}, {"\n", "&#10;"}, {"\r", "&#13;"}, {"  ", " &#32;"}};
+  for (const auto& [from, to] : steps) text = ReplaceAll(text, from, to);
+  if (!text.empty() && text.front() == ' ') text.replace(0, 1, "&#32;");
+  if (!text.empty() && text.back() == ' ') {
+    text.replace(text.size() - 1, 1, "&#32;");
+  }
+  return text;
+}
+
+struct Layout {
+  bool new_paragraph = true, indentation = true, format = true;
+  int level = 0;
+};
+
+class TreeGenerator {
+ public:
+  explicit TreeGenerator(unsigned seed) : rng_(seed) {}
+
+  int Below(int n) {
+    return std::uniform_int_distribution<int>(0, n - 1)(rng_);
+  }
+  bool Chance(int one_in) { return Below(one_in) == 0; }
+
+  // The host elements made, and those deleted, in order.
+  std::vector<std::string> created, deleted;
+
+  // Builds an element and appends its text, as written from the layout `f`,
+  // to `pieces`, cut where ToStream converts; leaves `f` as the writer must.
+  XMLElement* Element(Layout& f, std::vector<std::string>& pieces, int depth) {
+    const std::string name = Name();
+    const bool host = Chance(10);
+    std::unique_ptr<XMLElement> element(host ? new HostElement(name, &deleted)
+                                             : XMLElement::Create(name));
+    if (host) created.push_back(name);
+    if (host) pieces.push_back("[mark]");
+    const std::string tabs(f.level < 1 ? 0 : static_cast<size_t>(f.level),
+                           '\t');
+    const std::string inner_tabs(
+        f.level < 0 ? 0 : static_cast<size_t>(f.level) + 1, '\t');
+    // A line feed (or `otherwise`) and `t`, as far as the flags ask for them.
+    auto lead = [&f](const char* otherwise, const std::string& t) {
+      return std::string(f.format && f.new_paragraph ? "\n" : otherwise) +
+             (f.format && f.indentation ? t : "");
+    };
+    pieces.push_back(lead("", tabs) + "<" + name);
+    for (int i = Below(4); i > 0; --i) {
+      const std::string key = Name(), value = Value();
+      element->AddAttribute(key, value);
+      pieces.push_back(lead(" ", inner_tabs));
+      pieces.push_back(key + "=\"" + EscapeAttribute(value) + "\"");
+    }
+    const int children = depth > 5 ? 0 : Below(5);
+    pieces.push_back(children == 0 ? "/>" : ">");
+    ++f.level;
+    for (int i = 0; i < children; ++i) {
+      if (!Chance(3)) {
+        element->AddElement(Element(f, pieces, depth + 1));
+        continue;
+      }
+      const std::string text = Value();
+      element->AddElement(XMLString::Create(text));
+      pieces.push_back(ReplaceAll(ReplaceAll(text, "&", "&amp;"), "<", "&lt;"));
+      f.new_paragraph = f.indentation = false;
+    }
+    --f.level;
+    if (children > 0) pieces.push_back(lead("", tabs) + "</" + name + ">");
+    f.new_paragraph = f.indentation = true;
+    return element.release();
+  }
+
+ private:
+  std::string Name() {
+    static const char* const kParts[] = {"a",  "b",        "x:y", "Model",
+                                         "_1", "\xC3\xA9", "\xFF"};
+    std::string name = kParts[Below(5)];
+    for (int i = Below(3); i > 0; --i) name += kParts[Below(7)];
+    return name;
+  }
+
+  // Bytes that need escaping, UTF-8 sequences and, last, four that are not
+  // UTF-8 wherever they stand: a byte never used, an overlong form, a
+  // surrogate, a sequence cut short. Now and then longer than a buffer chunk.
+  std::string Value() {
+    static const char kAscii[] = " &<>\"'\t\n\rab1.";
+    static const char* const kBytes[] = {
+        "\xC3\xA9", "\xDF\xBF", "\xE2\x82\xAC", "\xF0\x9F\x98\x80",
+        "\xFF",     "\xC0\xAF", "\xED\xA0\x80", "\xE3\x81"};
+    std::string value;
+    if (Chance(40)) {
+      value.assign(static_cast<size_t>(20000 + Below(5000)), 'L');
+      value[static_cast<size_t>(Below(20000))] = '&';
+    }
+    for (int i = Below(12); i > 0; --i) {
+      const int kind = Below(16);
+      value += kind == 0   ? std::string(1, '\0')
+               : kind == 1 ? std::string("  ")
+               : kind < 4  ? std::string(kBytes[Below(8)])
+                           : std::string(1, kAscii[Below(13)]);
+    }
+    return value;
+  }
+
+  std::mt19937 rng_;
+};
+
+// From random start layouts: ToString (appending to what the string holds),
+// ToStream raw and as UTF-8, WriteTree and WriteTreeUTF8. As UTF-8 each piece
+// converts on its own: one that does not convert in the locale vanishes.
+TEST(GeneratedTrees, EveryRouteMatchesTheRules) {
+  using Keep = bool (*)(const std::string&);
+  const Keep any = [](const std::string&) { return true; };
+  const Keep ascii = [](const std::string& text) {
+    return std::none_of(text.begin(), text.end(),
+                        [](char c) { return (c & 0x80) != 0; });
+  };
+  const Keep utf8 = [](const std::string& text) {
+    return text.find_first_of("\xFF\xC0\xED\xE3") == std::string::npos;
+  };
+  struct Locale {
+    const char* name;
+    Keep converts;
+    unsigned seed;
+  };
+  for (const Locale& locale :
+       {Locale{"C", ascii, 20240601}, Locale{"C.UTF-8", utf8, 77}}) {
+    const std::string old_locale = std::setlocale(LC_CTYPE, nullptr);
+    ASSERT_NE(std::setlocale(LC_CTYPE, locale.name), nullptr) << locale.name;
+    TreeGenerator generator(locale.seed);
+    for (int n = 0; n < 1500 && !HasFailure(); ++n) {
+      SCOPED_TRACE(std::string(locale.name) + " tree " + std::to_string(n));
+      const Layout start{generator.Chance(2), generator.Chance(2),
+                         !generator.Chance(4), generator.Below(6) - 2};
+      Layout end = start;
+      std::vector<std::string> pieces;
+      std::unique_ptr<XMLElement> tree(generator.Element(end, pieces, 0));
+      auto expect_layout = [&end](const ExportFormat& format) {
+        EXPECT_EQ(format.IsNewParagraph(), end.format && end.new_paragraph);
+        EXPECT_EQ(format.HasIndentation(), end.format && end.indentation);
+        EXPECT_EQ(format.GetFormat(), end.format);
+        EXPECT_EQ(format.GetLevel(), end.level);
+      };
+      auto start_format = [&start] {
+        ExportFormat format;
+        format.SetIsNewParagraph(start.new_paragraph);
+        format.SetIndentation(start.indentation);
+        format.SetFormat(start.format);
+        format.SetLevel(start.level);
+        return format;
+      };
+      auto join = [&pieces](Keep keep) {
+        std::string text;
+        for (const std::string& piece : pieces)
+          text += keep(piece) ? piece : "";
+        return text;
+      };
+      const std::string prefix = n % 2 == 0 ? "" : "<prefix>";
+      ExportFormat format = start_format();
+      std::string text = prefix;
+      EXPECT_EQ(tree->ToString(text, format), 0);
+      EXPECT_EQ(text, prefix + join(any));
+      expect_layout(format);
+      for (const bool as_utf8 : {false, true}) {
+        format = start_format();
+        std::ostringstream os, tree_only, whole;
+        os << prefix;
+        EXPECT_EQ(tree->ToStream(os, format, as_utf8), 0);
+        EXPECT_EQ(os.str(), prefix + join(as_utf8 ? locale.converts : any));
+        expect_layout(format);
+        // A whole document: the declaration, then the tree as from the
+        // default layout with the start's format switch.
+        format = ExportFormat();
+        format.SetFormat(start.format);
+        tree->ToStream(tree_only, format, as_utf8);
+        (as_utf8 ? WriteTreeUTF8 : WriteTree)(whole, nullptr, tree.get(),
+                                              start.format);
+        EXPECT_EQ(whole.str(), kDeclaration + tree_only.str());
+      }
+      // Each host is deleted once, in document order: its own destructor
+      // runs before its children are deleted.
+      tree.reset();
+      EXPECT_EQ(generator.deleted, generator.created);
+      generator.created.clear();
+      generator.deleted.clear();
+    }
+    std::setlocale(LC_CTYPE, old_locale.c_str());
   }
 }
 
