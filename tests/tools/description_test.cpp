@@ -357,6 +357,23 @@ TEST(Faithful, GeneratedArimaModelsGiveTheNativeDocumentOfTheirModel) {
         generated.model,
         TSXDictionaryRefs("m", "", "y", generated.predictors)));
     EXPECT_EQ(DocumentOf(generated.json, Native()), Document(tree));
+#if TSXML_TOOL_HAVE_STATXML
+    // The statistics document, on a residual series of its own.
+    const std::valarray<double> residuals = draw.Numbers(draw.Below(40));
+    const int lags = static_cast<int>(draw.Below(13));
+    TSXMLTree statXML;
+    statXML.SetStatXMLOutput(&residuals, lags, 0.9);
+    ASSERT_TRUE(statXML.AddModelTree(
+        generated.model,
+        TSXDictionaryRefs("m", "", "y", generated.predictors)));
+    std::string json = generated.json;
+    json.insert(1, Fill(R"("statXML": {"residuals": $0, "lagCount": $1,
+        "confidenceLevel": 0.9}, )",
+                        {Json(residuals), std::to_string(lags)}));
+    WriteOptions options;
+    options.format = Format::kStatXML;
+    EXPECT_EQ(DocumentOf(json, options), Document(statXML));
+#endif
   }
 }
 
@@ -590,8 +607,30 @@ const Refusal kRefusals[] = {
        "estimates": [], "state": {"method": "kalmanFilter"}}}]})",
      Format::kPMML, false,
      "/models/0: ARIMA models in PMML are not available in this build"},
+#if TSXML_TOOL_HAVE_STATXML
+    {"StatXML without its settings", R"({"models": [{"name": "m",
+       "dependentVariable": "y", )" SIMPLE "}]}",
+     Format::kStatXML, false,
+     "missing field \"statXML\": the statxml format needs the residuals, "
+     "the lag count and the confidence level"},
+    {"StatXML of two models",
+     R"({"statXML": {"residuals": null, "lagCount": 2, "confidenceLevel": 0.9},
+       "models": [{"name": "m", "dependentVariable": "y", )" SIMPLE
+     R"(}, {"name": "m", "dependentVariable": "y", )" SIMPLE "}]}",
+     Format::kStatXML, false,
+     "/models: a StatXML document holds one model, not 2"},
+    {"Croston model in StatXML",
+     R"({"statXML": {"residuals": null, "lagCount": 2, "confidenceLevel": 0.9},
+       "models": [{"name": "m", "dependentVariable": "y",
+       "croston": {"demand": )" CROSTON_SUB R"(, "interval": )" CROSTON_SUB
+     R"(, "absoluteError": )" CROSTON_SUB "}}]}",
+     Format::kStatXML, false,
+     "/models/0: a Croston model has no StatXML form; write it as a native "
+     "document"},
+#else
     {"StatXML", R"({"models": []})", Format::kStatXML, false,
      "the statxml format is not available in this build"},
+#endif
     {"consistent PMML", R"({"models": []})", Format::kPMML, true,
      "consistent PMML documents are not available in this build"},
 };

@@ -66,10 +66,15 @@ bool ParseFormat(std::string_view name, Format& format) {
   return false;
 }
 
-// NOT YET AVAILABLE: the library of this build has no StatXML output and no
-// consistent PMML option, and writes no ARIMA model in PMML. Each of these is
-// refused here, as "not available in this build", until the library has it.
-bool FormatAvailable(Format format) { return format != Format::kStatXML; }
+// StatXML comes with the library's TSXMLTree::SetStatXMLOutput, which CMake
+// looks for when it configures the tool (TSXML_TOOL_HAVE_STATXML).
+bool FormatAvailable(Format format) {
+  return TSXML_TOOL_HAVE_STATXML || format != Format::kStatXML;
+}
+
+// NOT YET AVAILABLE: the library has no consistent PMML option and writes no
+// ARIMA model in PMML. Both are refused, as "not available in this build",
+// until it has them.
 bool PMMLConsistentAvailable() { return false; }
 namespace {
 constexpr bool kPMMLArimaAvailable = false;
@@ -98,8 +103,33 @@ TSXMLTree BuildTree(const Description& description,
   if (options.format == Format::kNative && description.models.empty()) {
     Fail("/models", "the native document needs at least one model");
   }
+  const bool statXML = options.format == Format::kStatXML;
+  if (statXML) {
+    if (!description.statXML.present) {
+      Fail("",
+           "missing field \"statXML\": the statxml format needs the "
+           "residuals, the lag count and the confidence level");
+    }
+    // The library keeps the document of the model added last.
+    if (description.models.size() != 1) {
+      Fail("/models", "a StatXML document holds one model, not " +
+                          std::to_string(description.models.size()));
+    }
+    if (description.models[0].kind == ModelKind::kCroston) {
+      Fail(description.models[0].pointer,
+           "a Croston model has no StatXML form; write it as a native "
+           "document");
+    }
+  }
 
   TSXMLTree tree;
+#if TSXML_TOOL_HAVE_STATXML
+  if (statXML) {
+    const StatXMLDescription& settings = description.statXML;
+    tree.SetStatXMLOutput(settings.hasResiduals ? &settings.residuals : nullptr,
+                          settings.lagCount, settings.confidenceLevel);
+  }
+#endif
   tree.SetPMMLOutput(pmml);
   tree.SetESPMMLOutputTimeValue(options.timeSeries);
   if (description.application.present) {

@@ -8,6 +8,11 @@
 #include "tools/tsxml/description.h"
 #include "tsxml/tree/tsxml_tree.h"
 
+// 1 when the library writes StatXML; CMake defines it.
+#ifndef TSXML_TOOL_HAVE_STATXML
+#define TSXML_TOOL_HAVE_STATXML 0
+#endif
+
 namespace tsxml_tool {
 
 enum class Format { kNative, kPMML, kStatXML };
@@ -26,7 +31,7 @@ struct WriteOptions {
 };
 
 // Whether this build's library can write `format`, and the PMML consistent
-// option.
+// option. StatXML needs the library's TSXMLTree::SetStatXMLOutput.
 bool FormatAvailable(Format format);
 bool PMMLConsistentAvailable();
 
