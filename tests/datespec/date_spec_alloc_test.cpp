@@ -4,83 +4,56 @@
 // fail on request.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <functional>
 #include <new>
 
 #include "date_spec_test_util.h"
+#include "support/date_spec_fixtures.h"
 #include "support/failing_allocator.h"
 
 namespace datespec_test {
 namespace {
 
-// Runs `call` on a fresh Gapped() with the N-th allocation failing, for N
-// from 0 until the call goes through; after each failure the specification
-// must be unchanged and every block freed. Returns the failures injected.
-int FailEachAllocation(const std::function<void(DS&)>& call) {
-  int failures = 0;
-  for (long allowed = 0;; ++allowed) {
-    const long live = testing_support::gLiveAllocations;
-    {
-      DS spec = Gapped();
-      const DS before(spec);
-      const auto snapshot = Snapshot(spec);
-      bool threw = false;
-      testing_support::gAllocationsUntilFailure = allowed;
-      try {
-        call(spec);
-      } catch (const std::bad_alloc&) {
-        threw = true;
-      }
-      testing_support::gAllocationsUntilFailure = -1;
-      if (!threw) break;
-      ++failures;
-      EXPECT_TRUE(spec.IsEquivalent(before, true));
-      EXPECT_EQ(Snapshot(spec), snapshot);
-    }
-    EXPECT_EQ(testing_support::gLiveAllocations, live);
-  }
-  return failures;
-}
+using testing_support::gLiveAllocations;
 
-TEST(DateSpecAllocation, FailedCallsChangeNothing) {
-  EXPECT_GT(FailEachAllocation([](DS& s) {
-              ASSERT_TRUE(s.AddPeriod(DS::Obs, 2, 0, 0).IsOK());
-            }),
-            0);
-  EXPECT_GT(FailEachAllocation([](DS& s) {
-              ASSERT_TRUE(s.AddPeriod(DS::Quarter, 4, 0, 0).IsOK());
-            }),
-            0);
-  EXPECT_GT(FailEachAllocation([](DS& s) { ASSERT_TRUE(s.AddGap(5).IsOK()); }),
-            0);
-  EXPECT_GT(FailEachAllocation(
-                [](DS& s) { ASSERT_TRUE(s.AddGap(s.IndexTuple(6)).IsOK()); }),
-            0);
-  EXPECT_GT(FailEachAllocation([](DS& s) {
-              ASSERT_TRUE(s.SetFirstCaseIndex(s.IndexTuple(-2)).IsOK());
-            }),
-            0);
-  EXPECT_GT(FailEachAllocation([](DS& s) {
-              DS other(DS::Cycle);
-              ASSERT_TRUE(other.AddPeriod(DS::Day, 7, 0, 5).IsOK());
-              s = other;
-            }),
-            0);
-}
-
-TEST(DateSpecAllocation, FailedCopyAndConstructionLeakNothing) {
-  const DS spec = Gapped();
-  for (long allowed = 0; allowed < 4; ++allowed) {
-    const long live = testing_support::gLiveAllocations;
-    testing_support::gAllocationsUntilFailure = allowed;
-    try {
-      DS copy(spec);
-      DS fresh(DS::Month);
-    } catch (const std::bad_alloc&) {
-    }
-    testing_support::gAllocationsUntilFailure = -1;
-    EXPECT_EQ(testing_support::gLiveAllocations, live);
+TEST(DateSpecAllocation, FailedCallsChangeNothingAndLeakNothing) {
+  const DS other = testing_support::MonthlyDateSpec(1990);
+  const std::function<void(DS&)> calls[] = {
+      [](DS& s) { ASSERT_TRUE(s.AddPeriod(DS::Obs, 2, 0, 0).IsOK()); },
+      [](DS& s) { ASSERT_TRUE(s.AddPeriod(DS::Quarter, 4, 0, 0).IsOK()); },
+      [](DS& s) { ASSERT_TRUE(s.AddGap(5).IsOK()); },
+      [](DS& s) { ASSERT_TRUE(s.AddGap(s.IndexTuple(6)).IsOK()); },
+      [](DS& s) { ASSERT_TRUE(s.SetFirstCaseIndex(s.IndexTuple(-2)).IsOK()); },
+      [&other](DS& s) { s = other; },
+      [](DS& s) { DS copy(s), fresh(DS::Month); },
+  };
+  for (const auto& call : calls) {
+    // The n-th allocation fails, for n from 0 until the call goes through.
+    const long failures =
+        testing_support::ForEachFailingAllocation([&](long n) {
+          const long live = gLiveAllocations;
+          bool done = true;
+          {
+            // Years and months from 2001, month 2, with the gaps 3, 4 and 8.
+            DS spec = testing_support::MonthlyDateSpec(2001, 2);
+            for (int32_t gap : {8, 3, 4}) EXPECT_TRUE(spec.AddGap(gap).IsOK());
+            const DS before(spec);
+            const std::string shown = Show(spec);
+            try {
+              testing_support::FailingAllocations failing(n);
+              call(spec);
+            } catch (const std::bad_alloc&) {
+              done = false;
+            }
+            if (!done) {
+              EXPECT_TRUE(spec.IsEquivalent(before, true));
+              EXPECT_EQ(Show(spec), shown);
+            }
+          }
+          EXPECT_EQ(gLiveAllocations, live);
+          return done;
+        });
+    EXPECT_GT(failures, 0) << &call - calls;
   }
 }
 
