@@ -90,8 +90,7 @@ struct Axis {
 };
 
 struct Counts {
-  int linked = 0, sequences = 0, increments = 0, with_gaps = 0;
-  int round_trips = 0, refusals = 0, moves = 0;
+  int linked = 0, with_gaps = 0, round_trips = 0, refusals = 0, moves = 0;
 
   // Attempt, counting refusals.
   template <typename Call>
@@ -104,8 +103,11 @@ struct Counts {
 
 // A random first period, then random periods, half of them a Quarter or
 // Month that is mostly made to fit a partner already there, and mostly an
-// increment that divides the last period. Many attempts are refused.
-DS RandomNest(Random& rng, Counts& counts) {
+// increment that divides the last period. Many attempts are refused. With
+// `wrapping`, cycles and increments are mostly huge, and sub-cycles may end
+// past 32 bits.
+DS RandomNest(Random& rng, Counts& counts, bool wrapping = false) {
+  const unsigned huge[] = {2, 3, 7, 12, 65536, 1u << 31, 0xFFFFFFFFu};
   DS spec(rng.Type(DS::Second));
   for (int a = int(rng.In(1, 9)); a > 0; --a) {
     const DS::PeriodType type = rng.Chance(50)   ? rng.Type()
@@ -113,6 +115,7 @@ DS RandomNest(Random& rng, Counts& counts) {
                                                  : DS::Month;
     const Axis axis(spec);
     unsigned cycle = unsigned(rng.In(2, 12)), start = 0, length = 0;
+    if (wrapping) cycle = rng.Chance(70) ? huge[rng.In(0, 6)] : rng.Bits();
     const bool month = type == DS::Month;
     const auto at = std::find(axis.types.begin() + 1, axis.types.end(),
                               month ? DS::Quarter : DS::Month);
@@ -124,7 +127,10 @@ DS RandomNest(Random& rng, Counts& counts) {
       cycle = month ? 3 * c : c / 3;
       start = month ? 3 * s + unsigned(rng.In(0, 2)) : s / 3;
       length = l == 0 ? 0 : month ? 3 * l : l / 3;
-    } else if (rng.Chance(30)) {
+    } else if (wrapping && rng.Chance(30)) {
+      start = 0u - unsigned(rng.In(1, 4));
+      length = unsigned(rng.In(1, 8));
+    } else if (cycle >= 2 && rng.Chance(30)) {
       length = unsigned(rng.In(1, cycle));
       start = unsigned(rng.In(0, cycle - length));
     }
@@ -136,15 +142,15 @@ DS RandomNest(Random& rng, Counts& counts) {
     const Axis axis(spec);
     const unsigned last = axis.Count() == 1 ? 12 : axis.lengths.back();
     std::vector<unsigned> divisors;
-    for (unsigned d = 1; d <= last; ++d) {
+    for (unsigned d = 1; d <= last && !wrapping; ++d) {
       if (last % d == 0) divisors.push_back(d);
     }
-    const unsigned increment = rng.Chance(80)
-                                   ? divisors[rng.Below(divisors.size())]
-                                   : unsigned(rng.In(0, 13));
-    counts.increments += counts.Try(spec, [&](DS& s) {
-      return s.SetLowestIncrement(increment).IsOK();
-    }) && increment > 1;
+    const unsigned increment =
+        wrapping         ? (rng.Chance(50) ? rng.Bits() : 1u << rng.In(0, 3))
+        : rng.Chance(80) ? divisors[rng.Below(divisors.size())]
+                         : unsigned(rng.In(0, 13));
+    counts.Try(spec,
+               [&](DS& s) { return s.SetLowestIncrement(increment).IsOK(); });
   }
   return spec;
 }
@@ -206,11 +212,6 @@ void CheckArithmetic(const DS& spec, const Axis& axis,
   for (int32_t k = 0; k < int32_t(virtual_of.size()); ++k) {
     EXPECT_EQ(spec.VirtualCaseOffset(k), virtual_of[static_cast<size_t>(k)]);
   }
-  for (int32_t v : {-1, -1000, INT32_MIN}) {
-    EXPECT_EQ(spec.CaseOffset(v), v);
-    EXPECT_EQ(spec.ClosestCaseOffset(v, false), v);
-    EXPECT_EQ(spec.VirtualCaseOffset(v), v);
-  }
   // Each gap's tuple gives the gap back, unless the point isn't a valid
   // tuple and the first case stands in for it.
   for (size_t i = 0; i < gaps.size() && first_exact; ++i) {
@@ -220,19 +221,6 @@ void CheckArithmetic(const DS& spec, const Axis& axis,
     }
   }
   EXPECT_EQ(spec.GapIndex(gaps.size()).GetIndexes(), first);
-
-  // Case numbers and offsets invert each other where neither clamps.
-  const uint64_t first_case_number = spec.NumberFromOffset(0);
-  for (int n = 0; n < 20; ++n) {
-    const int32_t offset = int32_t(rng.Bits() >> rng.In(0, 31));
-    if (offset < 0 && uint64_t(-int64_t{offset}) > first_case_number) {
-      EXPECT_EQ(spec.NumberFromOffset(offset), 0u);
-      continue;
-    }
-    const uint64_t number = spec.NumberFromOffset(offset);
-    EXPECT_EQ(number, first_case_number + uint64_t(int64_t{offset}));
-    EXPECT_EQ(spec.OffsetFromNumber(number), offset);
-  }
 }
 
 TEST(DateSpecProperties, GeneratedSpecifications) {
@@ -244,7 +232,6 @@ TEST(DateSpecProperties, GeneratedSpecifications) {
     DS spec = RandomNest(rng, counts);
     Axis axis(spec);
     counts.linked += axis.linked != 0;
-    counts.sequences += axis.types[0] == DS::SimpleSequence;
     std::vector<int32_t> gaps;
     const DS other(spec);
 
@@ -263,7 +250,7 @@ TEST(DateSpecProperties, GeneratedSpecifications) {
                                ? axis.Number(held) - axis.Number(first)
                                : 0;
       const bool near = std::abs(diff * axis.increment) < 1000;
-      switch (rng.In(0, 5)) {
+      switch (rng.In(0, 4)) {
         case 0: {  // A gap at an offset.
           const int32_t offset = int32_t(rng.In(-2, 60));
           if (counts.Try(spec,
@@ -308,13 +295,6 @@ TEST(DateSpecProperties, GeneratedSpecifications) {
             gaps.clear();
           }
           break;
-        case 4:
-          counts.Try(spec, [&](DS& s) {
-            return s.SetFirstCaseDay(unsigned(rng.In(0, 32)),
-                                     unsigned(rng.In(0, 13)),
-                                     unsigned(rng.In(0, 2)));
-          });
-          break;
         default:
           if (rng.Chance(20)) {
             spec.ClearGaps();
@@ -330,8 +310,6 @@ TEST(DateSpecProperties, GeneratedSpecifications) {
     counts.with_gaps += !gaps.empty();
   }
   EXPECT_GT(counts.linked, kSpecs / 50);
-  EXPECT_GT(counts.sequences, kSpecs / 20);
-  EXPECT_GT(counts.increments, kSpecs / 10);
   EXPECT_GT(counts.with_gaps, kSpecs / 4);
   EXPECT_GT(counts.moves, 2 * kSpecs);
   EXPECT_GT(counts.round_trips, 20 * kSpecs);
@@ -346,43 +324,15 @@ TEST(DateSpecProperties, WrappingSpecificationsStayDefined) {
   Random rng{std::mt19937(77)};
   Counts counts;
   constexpr int kRounds = 1000;
-  const unsigned cycles[] = {2, 3, 7, 12, 65536, 1u << 31, 0xFFFFFFFFu};
   for (int round = 0; round < kRounds; ++round) {
     SCOPED_TRACE(round);
-    DS spec(rng.Type(DS::Second));
-    for (int a = 0; a < 6; ++a) {
-      const unsigned cycle =
-          rng.Chance(70) ? cycles[rng.In(0, 6)] : unsigned(rng.Bits());
-      unsigned start = 0, length = 0;
-      if (rng.Chance(30)) {
-        start = 0u - unsigned(rng.In(1, 4));
-        length = unsigned(rng.In(1, 8));
-      } else if (cycle >= 2 && rng.Chance(30)) {
-        length = unsigned(rng.In(1, cycle));
-        start = unsigned(rng.In(0, cycle - length));
-      }
-      counts.Try(spec, [&](DS& s) {
-        return s.AddPeriod(rng.Type(), cycle, start, length).IsOK();
-      });
-    }
-    counts.Try(spec, [&](DS& s) {
-      return s
-          .SetLowestIncrement(rng.Chance(50) ? rng.Bits() : 1u << rng.In(0, 3))
-          .IsOK();
-    });
-
+    DS spec = RandomNest(rng, counts, true);
     for (int step = 0; step < 20; ++step) {
-      Indexes indexes = spec.FirstCaseIndex().GetIndexes();
-      for (unsigned& index : indexes) {
-        if (rng.Chance(50)) index += rng.Chance(50) ? rng.Bits() : 1;
-      }
-      Tuple tuple(spec);
-      if (tuple.SetIndexes(indexes)) {
-        counts.Try(spec, [&](DS& s) {
-          return (rng.Chance(50) ? s.SetFirstCaseIndex(tuple) : s.AddGap(tuple))
-              .IsOK();
-        });
-      }
+      const Tuple tuple = spec.IndexTuple(int32_t(rng.Bits()));
+      counts.Try(spec, [&](DS& s) {
+        return (rng.Chance(50) ? s.SetFirstCaseIndex(tuple) : s.AddGap(tuple))
+            .IsOK();
+      });
       counts.Try(spec,
                  [&](DS& s) { return s.AddGap(int32_t(rng.Bits())).IsOK(); });
 
@@ -394,14 +344,18 @@ TEST(DateSpecProperties, WrappingSpecificationsStayDefined) {
       EXPECT_EQ(at.ClosestCaseOffset(true),
                 spec.ClosestCaseOffset(at.VirtualCaseOffset(), true));
       spec.GapIndex(rng.Below(spec.GapCount() + 1)).VirtualCaseOffset();
-
       const int32_t k = int32_t(rng.Bits() >> 1);
       if (int64_t{k} + int64_t(spec.GapCount()) <= INT32_MAX) {
         EXPECT_EQ(spec.CaseOffset(spec.VirtualCaseOffset(k)), k);
       }
-      const uint64_t first_case_number = spec.NumberFromOffset(0);
-      if (v >= 0 || uint64_t(-int64_t{v}) <= first_case_number) {
-        EXPECT_EQ(spec.OffsetFromNumber(spec.NumberFromOffset(v)), v);
+      // Case numbers and offsets invert each other where the number doesn't
+      // clamp at 0.
+      const uint64_t number = spec.NumberFromOffset(v);
+      if (v >= 0 || uint64_t(-int64_t{v}) <= spec.NumberFromOffset(0)) {
+        EXPECT_EQ(number, spec.NumberFromOffset(0) + uint64_t(int64_t{v}));
+        EXPECT_EQ(spec.OffsetFromNumber(number), v);
+      } else {
+        EXPECT_EQ(number, 0u);
       }
       if (HasFailure()) return;
     }

@@ -29,7 +29,8 @@ inline std::string Period(const DS& spec, unsigned i) {
   DS::PeriodType type = DS::Obs;
   unsigned cycle = 99, start = 99, length = 99;
   spec.GetPeriod(i, type, cycle, start, length);
-  return DS::PeriodTypeName(type) + (" " + Join(Indexes{cycle, start, length}));
+  const char* name = DS::PeriodTypeName(type);
+  return (name ? name : "?") + (" " + Join(Indexes{cycle, start, length}));
 }
 
 // Everything a caller can read of a specification: its periods, the
