@@ -8,15 +8,21 @@
 
 #include <iterator>
 #include <map>
+#include <new>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 
 #include "date_spec_test_util.h"
+#include "support/failing_allocator.h"
 #include "support/test_data.h"
 
 namespace datespec_test {
 namespace {
+
+using testing_support::FailingAllocations;
+using testing_support::ForEachFailingAllocation;
+using testing_support::gLiveAllocations;
 
 std::string Text(bool value) { return value ? "true" : "false"; }
 
@@ -80,6 +86,7 @@ class Transcript {
 
   std::string Do() {
     const std::string& verb = w_.at(0);
+    if (verb == "failing") return Failing();
     if (verb == "new") {
       try {
         specs_.insert_or_assign(w_.at(1), w_.size() > 2 ? DS(Type(2)) : DS());
@@ -110,6 +117,29 @@ class Transcript {
       EXPECT_EQ(Show(spec), shown);
     }
     return result;
+  }
+
+  // Runs the rest of the command with the n-th allocation failing, for n =
+  // 0, 1, ... until it goes through; a failure must leave the named
+  // specification as it was and free every block.
+  std::string Failing() {
+    w_.erase(w_.begin());
+    const auto named = specs_.find(w_.at(1));
+    const std::string shown = named == specs_.end() ? "" : Show(named->second);
+    std::string result;
+    const long failures = ForEachFailingAllocation([&](long n) {
+      const long live = gLiveAllocations;
+      try {
+        FailingAllocations failing(n);
+        result = Do();
+        return true;
+      } catch (const std::bad_alloc&) {
+        EXPECT_EQ(gLiveAllocations, live);
+        EXPECT_EQ(named == specs_.end() ? "" : Show(named->second), shown);
+        return false;
+      }
+    });
+    return (failures > 0 ? "failed, then " : "") + result;
   }
 
   std::string OnSpec(const std::string& verb, DS& spec) {

@@ -24,10 +24,9 @@ constexpr double kEps = std::numeric_limits<double>::epsilon();
 // 0, so results this small are compared absolutely.
 const double kFlushedToZero = std::exp(-708.0);
 
-// The error of TSXIncompleteBeta(x, a, b), as rel * value + abs.
+// The error of TSXIncompleteBeta(x, a, b), y = 1 - x, as rel * value + abs.
 struct BetaBound {
-  double rel;
-  double abs;
+  double rel, abs;
 };
 
 BetaBound IncompleteBetaBound(double x, double y, double a, double b) {
@@ -45,12 +44,11 @@ BetaBound IncompleteBetaBound(double x, double y, double a, double b) {
   double terms = common + std::max(direct, swapped);
   if (!std::isfinite(terms)) terms = 0;
   // The continued fraction stops when two convergents agree to
-  // max(1, a + b) * 10 eps.
+  // max(1, a + b) * 10 eps; the series at a term below 1e-15, so with ratio q
+  // its tail is below 1e-15 q / (1 - q), at most about 400 times that within
+  // its 10001 terms. Through a complement 1 - r the tail and the roundings of
+  // 1 - r and of y count at the scale of 1.
   const double fraction = std::max(1.0, n) * 10 * kEps;
-  // The series stops at a term below 1e-15: with ratio q the tail is below
-  // 1e-15 q / (1 - q), at most about 400 times that within its 10001 terms.
-  // Through a complement 1 - r the tail and the roundings of 1 - r and of
-  // y = 1 - x count at the scale of 1.
   const double q = std::max(x, y);
   const double tail = 1e-15 * std::min(q / (1 - q), 400.0);
   return {fraction + 4 * kEps * terms + 8 * kEps, tail + 4 * kEps};
@@ -58,8 +56,7 @@ BetaBound IncompleteBetaBound(double x, double y, double a, double b) {
 
 // `tails` = t^2 / (df + t^2) and `body` = df / (df + t^2), free of overflow.
 struct BetaArgument {
-  double tails;
-  double body;
+  double tails, body;
 };
 
 BetaArgument TToBeta(double t, double df) {
