@@ -16,12 +16,10 @@
 
 namespace {
 
-// Error bounds of the distribution functions, derived from their stopping
-// rules.
+// Error bounds derived from the functions' stopping rules.
 constexpr double kEps = std::numeric_limits<double>::epsilon();
 
-// exp(-708): the incomplete beta and the normal CDF flush values below it to
-// 0, so results this small are compared absolutely.
+// Values below exp(-708) are flushed to 0: compared absolutely.
 const double kFlushedToZero = std::exp(-708.0);
 
 // The error of TSXIncompleteBeta(x, a, b), y = 1 - x, as rel * value + abs.
@@ -31,9 +29,8 @@ struct BetaBound {
 
 BetaBound IncompleteBetaBound(double x, double y, double a, double b) {
   const double n = a + b;
-  // The prefactor is exp(e), e a sum of log-gamma values and logs good to
-  // about 2 eps each: e is off by 4 eps times the larger of the two
-  // orientations' sums of magnitudes.
+  // The prefactor is exp(e), e a sum of log-gammas and logs good to about
+  // 2 eps each: 4 eps times the larger orientation's sum of magnitudes.
   const double common = std::fabs(std::lgamma(n));
   const double direct = std::fabs(std::lgamma(a + 1)) +
                         std::fabs(std::lgamma(b)) + std::fabs(b * std::log(y)) +
@@ -72,7 +69,7 @@ double StudentTCDFTolerance(double x, double df, double f) {
   const double w = std::fabs(x);
   const BetaArgument arg = TToBeta(x, df);
   const BetaBound beta = IncompleteBetaBound(arg.tails, arg.body, 0.5, df / 2);
-  // The incomplete beta gives v = |2 f - 1| for w <= 1, else twice the tail.
+  // The incomplete beta gives |2 f - 1| for w <= 1, else twice the tail.
   const double v = w <= 1 ? std::fabs(2 * f - 1) : 2 * std::min(f, 1 - f);
   // For df above 2 and |x| >= 2 the tail is summed directly, never as a
   // complement, so only the relative part applies there.
@@ -86,12 +83,10 @@ double StudentTCDFTolerance(double x, double df, double f) {
 double StudentTQuantileTolerance(double p, double df, double t,
                                  double density) {
   const BetaArgument arg = TToBeta(t, df);
-  // The Newton iteration stops once its step is at most 1e-10, so X is found
-  // to about 1e-10; t^2 = df (1 - X) / X turns that into a relative error of
-  // 1e-10 / (X (1 - X)), halved by the square root.
+  // Newton stops at a step of 1e-10 in X; t^2 = df (1 - X) / X makes that a
+  // relative error of 1e-10 / (X (1 - X)), halved by the square root.
   double rel = 0.5 * 1e-10 / (arg.body * arg.tails) + 4 * kEps;
-  // Above 1/2 the tail 2 - p - p rounds 2 - p by up to half an ulp; one ulp
-  // is allowed, for the curvature of t where that is a sizeable part of it.
+  // Above 1/2, 2 - p - p rounds by up to half an ulp; one ulp is allowed.
   if (p > 0.5) rel += kEps / (2 * density * std::fabs(t));
   // The root found is that of the computed distribution function.
   rel += StudentTCDFTolerance(t, df, p) / (density * std::fabs(t));
@@ -232,10 +227,9 @@ TEST(AccuracyTest, StudentTQuantile) {
       const double want = boost::math::quantile(dist, p);
       const double got = TSXStudentTQuantile(p, df, status);
       const BetaArgument arg = TToBeta(want, df);
-      // The iteration finds X = df / (df + t^2) to an absolute 1e-10 after
-      // clamping its start to [1e-8, 1 - 1e-7], so relative accuracy needs
-      // X and 1 - X above 1e-8. AS 109's start value misses badly for tails
-      // below about 1e-20, where 50 Newton passes need not reach the root.
+      // X = df / (df + t^2) is found to 1e-10 from a start clamped to
+      // [1e-8, 1 - 1e-7]: relative accuracy needs X and 1 - X above 1e-8.
+      // Below tails of 1e-20 AS 109's start misses too far for 50 passes.
       if (std::min(arg.body, arg.tails) < 1e-8 || std::min(p, 1 - p) < 1e-20) {
         if (status == 0) {
           ASSERT_EQ(got < 0, p < 0.5) << p << " " << df;

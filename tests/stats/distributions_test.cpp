@@ -7,6 +7,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstdlib>
 #include <iterator>
 #include <limits>
 #include <sstream>
@@ -24,20 +25,9 @@ constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kMax = std::numeric_limits<double>::max();
 constexpr double kTiny = std::numeric_limits<double>::denorm_min();
 
-bool Missing(double v) { return MV::IsMissing(v); }
-
-// "max" and "tiny" (with a sign) are the largest and smallest doubles.
-double Argument(const std::string& word) {
-  const double sign = word[0] == '-' ? -1 : 1;
-  const std::string unsigned_word = word.substr(word[0] == '-' ? 1 : 0);
-  if (unsigned_word == "max") return sign * kMax;
-  if (unsigned_word == "tiny") return sign * kTiny;
-  return std::stod(word);
-}
-
 // The shortest text that reads back as `v`, or "missing".
 std::string Format(double v) {
-  if (Missing(v)) return "missing";
+  if (MV::IsMissing(v)) return "missing";
   char text[32];
   return std::string(text, std::to_chars(text, text + sizeof text, v).ptr);
 }
@@ -49,7 +39,9 @@ std::string Call(const std::string& command) {
   const std::vector<std::string> words{std::istream_iterator<std::string>(in),
                                        {}};
   std::vector<double> a;
-  for (size_t i = 1; i < words.size(); ++i) a.push_back(Argument(words[i]));
+  for (size_t i = 1; i < words.size(); ++i) {
+    a.push_back(std::strtod(words[i].c_str(), nullptr));
+  }
   const std::string& f = words.at(0);
   if (f == "erf") return Format(TSXErf(a.at(0)));
   if (f == "loggamma") return Format(TSXLogGamma(a.at(0)));
@@ -91,12 +83,8 @@ TEST(DistributionsTest, ValuesAndStatusCodes) {
   EXPECT_EQ(out, text);
 }
 
-TEST(DistributionsTest, Symmetries) {
-  // g(1 / x) = -g(x); away from 1, where the numerator cancels.
+TEST(DistributionsTest, PeizerPrattGAndTheTQuantileAntisymmetry) {
   EXPECT_NEAR(TSXPeizerPrattG(2.0), 4 * std::log(2.0) - 3, 4 * kEps);
-  for (double x = 0.001; x < 0.9; x += 0.001) {
-    ASSERT_NEAR(TSXPeizerPrattG(1 / x), -TSXPeizerPrattG(x), 1e-13) << x;
-  }
   // The t quantile is exactly antisymmetric around 1/2.
   int status = 7;
   for (double df :
@@ -117,6 +105,10 @@ TEST(DistributionsTest, OddArgumentsGiveAValueInRangeOrAStatus) {
                         -kMax, kTiny, -kTiny, 1e-300, -1e-300, 1e300, -1e300,
                         1.0,   -1.0,  0.5,    1e8,    1e308};
   int status = 0;
+  // With status 0 a value in [0, 1], else the missing value.
+  const auto probability = [&status](double v) {
+    return status == 0 ? v >= 0 && v <= 1 : MV::IsMissing(v);
+  };
   for (double u : odd) {
     for (double f : {TSXErf(u), TSXLogGamma(u), TSXNormalCDF(u),
                      TSXNormalQuantile(u), TSXPeizerPrattG(u)}) {
@@ -125,15 +117,13 @@ TEST(DistributionsTest, OddArgumentsGiveAValueInRangeOrAStatus) {
     for (double v : odd) {
       const double inv = TSXInverseIncompleteBeta(u, v);
       EXPECT_TRUE(inv == -1.0 || (inv >= 0 && inv <= 1)) << u << " " << v;
-      const double f = TSXStudentTCDF(u, v, status);
-      EXPECT_TRUE(status == 0 ? f >= 0 && f <= 1 : Missing(f)) << u << " " << v;
+      EXPECT_TRUE(probability(TSXStudentTCDF(u, v, status))) << u << " " << v;
       const double t = TSXStudentTQuantile(u, v, status);
       EXPECT_TRUE(status == 0 ? std::isfinite(t) && (t < 0) == (u < 0.5)
-                              : Missing(t))
+                              : MV::IsMissing(t))
           << u << " " << v;
       for (double b : {0.5, 1e-300, 1e300, kMax, 3.0}) {
-        const double i = TSXIncompleteBeta(u, v, b, status);
-        ASSERT_TRUE(status == 0 ? i >= 0 && i <= 1 : Missing(i))
+        ASSERT_TRUE(probability(TSXIncompleteBeta(u, v, b, status)))
             << u << " " << v << " " << b;
       }
     }
