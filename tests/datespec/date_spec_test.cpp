@@ -78,9 +78,10 @@ using testing_support::gLiveAllocations;
 
 std::string Text(bool value) { return value ? "true" : "false"; }
 
+// "ok" or the code, " w" added for a warning (no operation makes one).
 std::string Text(const OstraTime::OstraStatus& status) {
-  if (status.IsOK()) return "ok";
-  return std::to_string(status.GetCode()) + (status.IsWarning() ? " w" : "");
+  return (status.IsOK() ? "ok" : std::to_string(status.GetCode())) +
+         (status.IsWarning() ? " w" : "");
 }
 
 // The tuple's indexes, whether it is valid, and its virtual case offset,
@@ -140,16 +141,16 @@ class Transcript {
   std::string Do() {
     const std::string& verb = w_.at(0);
     if (verb == "failing") return Failing();
-    if (verb == "new") {
+    if (verb == "new" || verb == "copy") {
       try {
-        specs_.insert_or_assign(w_.at(1), w_.size() > 2 ? DS(Type(2)) : DS());
+        specs_.insert_or_assign(w_.at(1), verb == "copy"  ? DS(Spec(2))
+                                          : w_.size() > 2 ? DS(Type(2))
+                                                          : DS());
       } catch (const OstraTime::OstraStatus& status) {
         return Text(status);
       }
       return "ok";
     }
-    if (verb == "copy") specs_.insert_or_assign(w_.at(1), DS(Spec(2)));
-    if (verb == "copy") return "ok";
     if (verb == "tuple") {
       Tuple& t = tuples_
                      .insert_or_assign(w_.at(1),

@@ -51,7 +51,7 @@ std::string Call(const std::string& command) {
   if (f == "inverseibeta") {
     return Format(TSXInverseIncompleteBeta(a.at(0), a.at(1)));
   }
-  int status = 7;
+  int status = 7;  // not one the functions set: each call must set it
   double v = 0;
   if (f == "ibeta") v = TSXIncompleteBeta(a.at(0), a.at(1), a.at(2), status);
   if (f == "tcdf") v = TSXStudentTCDF(a.at(0), a.at(1), status);
