@@ -14,22 +14,19 @@ using OstraTimeXML::XMLElement;
 
 constexpr double kMissing = MV::gMissingValue;
 
-AMModelSpec SpecWithPredictors(unsigned count) {
-  AMModelSpec spec;
-  spec.SetXCount(count);
-  return spec;
-}
-
 // Each state class filled and empty. A predictor without a history writes an
 // empty "PredictorState", and so does one whose lists are empty; both Z lists
 // empty drop "ZState", while empty noise, Kalman, theta and nu lists keep
 // their elements.
 TEST(ARIMAStateElementTest, EveryStateClassFilledAndEmpty) {
-  ARMACLSForecastState cls(SpecWithPredictors(2));
+  AMModelSpec predictors;
+  predictors.SetXCount(2);
+  ARMACLSForecastState cls(predictors);
   cls.SetStateSpan(TSSpan(0, 48, 3));
   cls.SetXHistory(0, {1.5, kMissing}, {0.25});
   cls.SetPredZ({0.5, -0.5});
-  ARMACLSForecastState emptyLists(SpecWithPredictors(1));
+  predictors.SetXCount(1);
+  ARMACLSForecastState emptyLists(predictors);
   emptyLists.SetXHistory(0, {}, {2});
   emptyLists.SetActualN({1});
 
