@@ -12,13 +12,16 @@
 
 namespace {
 
-// The highest lag; a predictor or outlier past the end reads as empty; a
-// position override lasts until the next structural change.
+// The highest lag; the numerator's first lag; a predictor or outlier past
+// the end reads as empty; a position override lasts until the next
+// structural change.
 TEST(AMModelSpecTest, ReadsPastTheEndAndOverrides) {
   EXPECT_EQ(AMPowers({12, 0, 3}).MaxPower(), 12u);
   EXPECT_EQ(AMPowers().MaxPower(), 0u);
   AMModelSpec spec = testing_support::MakeFullARIMASpec();
   const AMPowers *nonSeasonal = nullptr, *seasonal = nullptr;
+  // No element reads this position: the numerator starts at the coefficient.
+  EXPECT_EQ(spec.GetXNumerator(0, nonSeasonal, seasonal), 6u);
   EXPECT_EQ(spec.GetXDenominator(1, nonSeasonal, seasonal), 0u);
   EXPECT_EQ(nonSeasonal->PowerCount() + seasonal->PowerCount(), 0u);
   EXPECT_EQ(spec.GetOutliers().GetOutlierSpec(2).type, TSOutlierSpec::None);
@@ -26,6 +29,7 @@ TEST(AMModelSpecTest, ReadsPastTheEndAndOverrides) {
   EXPECT_EQ(spec.GetXRegressionCoeff(0), 40u);
   spec.SetXCount(2);
   EXPECT_EQ(spec.GetXRegressionCoeff(0), 5u);
+  EXPECT_EQ(spec.GetXRegressionCoeff(1), 8u);
 }
 
 TEST(DSymMatTest, PackedLowerTriangleRowByRow) {

@@ -39,7 +39,7 @@ std::string Expected(const std::string& file) {
   return "\n" + ReadTestData("native/" + file + ".xml");
 }
 
-// Log and seasonal differencing, a constant, AR lags 1 and 3 (given out of
+// Log and both differences, a constant, AR lags 1 and 3 (given out of
 // order, repeated and with 0) with a seasonal lag, a seasonal MA lag, a
 // predictor with a transformation and every factor, a plain regression, and the
 // outlier types 0 (None) to 8 (unknown, its parameter passed over), both
@@ -48,7 +48,7 @@ AMModelSpec EveryTerm() {
   AMModelSpec spec;
   spec.SetSeasonLength(4);
   spec.SetYTransformSpec(TSTransformSpec(BFSharedConst::Logarithm));
-  spec.SetYDiff(0, 1);
+  spec.SetYDiff(1, 1);
   spec.SetMeanYPresent(true);
   spec.SetARStruct({3, 0, 1, 3}, {1});  // read as lags 1 and 3
   spec.SetMAStruct({}, {2});
