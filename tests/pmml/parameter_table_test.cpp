@@ -97,6 +97,8 @@ TEST(ParameterTableTest, SmoothingRowsWithTheirStatistics) {
                    -0.16373152208380815, 0.6637315220838081);
   ExpectStatistics(table.rows[2], 0.125 / 0.3, 0.6807852251876894,
                    -0.49559728312571216, 0.7455972831257122);
+  // The level 0.95 takes the quantile at 0.975.
+  EXPECT_NEAR(table.rows[1].confIntervalUpper - 0.25, kT23 * 0.2, 1e-12);
   EXPECT_EQ(table.rmse, 1.5);
   EXPECT_EQ(table.mse, kMissing);
   EXPECT_EQ(table.transformationType, 2);
