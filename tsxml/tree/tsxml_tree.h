@@ -58,8 +58,8 @@ class TSXML_API TSXMLTree {
 
   // Adds a fitted model; false when the references don't fit the model or
   // the model can't be written. A failed add leaves the tree unchanged. In
-  // PMML and StatXML mode every model that is not empty is taken (true) and
-  // the references aren't checked.
+  // PMML mode every model is taken (true) and the references aren't checked;
+  // in StatXML mode too, except that an empty handle is refused.
   bool AddModelTree(TSFModel model, const TSXDictionaryRefs& refs);
   // Adds a Croston model to the native document whatever the output mode;
   // false, with the tree unchanged, when the references fail (they must name
