@@ -224,14 +224,17 @@ TEST(TSAutocorrelationTest, SpanAndTransformationChooseTheValues) {
   // A span beyond either end is clipped to the series.
   const TSSpan wide(-3, 100);
   ExpectSame(Compute(series, 3, &wide), Compute(series, 3));
-  // Under the logarithm the non-positive value drops out.
-  std::vector<double> logs;
+  // Under the logarithm and the square root the negative value drops out.
+  std::vector<double> logs, roots;
   for (double x : series) {
     if (x > 0) logs.push_back(std::log(x));
+    if (x >= 0) roots.push_back(std::sqrt(x));
   }
   const TSSpan whole(0, series.size());
   ExpectSame(Compute(series, 3, &whole, BFSharedConst::Logarithm),
              Compute({logs.data(), logs.size()}, 3));
+  ExpectSame(Compute(series, 3, &whole, BFSharedConst::SquareRoot),
+             Compute({roots.data(), roots.size()}, 3));
 }
 
 TEST(TSAutocorrelationTest, FailuresEmptyTheOutputs) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <valarray>
@@ -49,6 +50,10 @@ std::vector<double> Estimates(const TSXParameterTable& table) {
     estimates.push_back(row.estimate);
   }
   return estimates;
+}
+
+std::vector<double> Values(const std::valarray<double>& values) {
+  return std::vector<double>(std::begin(values), std::end(values));
 }
 
 void ExpectFactor(const TSXLagFactor& factor, int difference,
@@ -171,12 +176,16 @@ TEST(ParameterTableTest, FullARIMAModelLaidOutByLag) {
   EXPECT_EQ(table.periodDeficit, 2);
   EXPECT_EQ(table.stateMethod, 1);
   ASSERT_EQ(table.finalPredictorValues.size(), 1u);
-  EXPECT_EQ(table.finalPredictorValues[0][1], 4.0);
-  EXPECT_EQ(table.finalTransferFunctionValues[0][1], 0.75);
+  EXPECT_EQ(Values(table.finalPredictorValues[0]), (std::vector<double>{3, 4}));
+  ASSERT_EQ(table.finalTransferFunctionValues.size(), 1u);
+  EXPECT_EQ(Values(table.finalTransferFunctionValues[0]),
+            (std::vector<double>{0.5, 0.75}));
   EXPECT_EQ(table.zStateField, "y");
-  EXPECT_EQ(table.finalPredictedZ[1], -0.25);
-  EXPECT_EQ(table.finalOmega(1, 1), 2.0);
-  EXPECT_EQ(table.finalStateVector.size(), 2u);
+  EXPECT_EQ(Values(table.finalZ), (std::vector<double>{0.25, -0.5}));
+  EXPECT_EQ(Values(table.finalPredictedZ), (std::vector<double>{0.125, -0.25}));
+  EXPECT_EQ(Values(table.finalOmega.AsArray()),
+            (std::vector<double>{1, 0.5, 2}));
+  EXPECT_EQ(Values(table.finalStateVector), (std::vector<double>{0.25, 0.125}));
   EXPECT_EQ(table.finalNoise.size(), 0u);
 }
 
@@ -184,14 +193,15 @@ TEST(ParameterTableTest, StateOfEachEstimationMethod) {
   const TSXParameterTable cls("y", MakeFullARIMAModel<ARMACLSForecastState>(),
                               {"x"}, 0.95);
   EXPECT_EQ(cls.stateMethod, 2);
-  EXPECT_EQ(cls.finalPredictedNoise[1], 0.15);
+  EXPECT_EQ(Values(cls.finalNoise), (std::vector<double>{0.1, -0.2}));
+  EXPECT_EQ(Values(cls.finalPredictedNoise), (std::vector<double>{0.05, 0.15}));
   EXPECT_TRUE(cls.finalTheta.empty());
   EXPECT_EQ(cls.finalOmega.NRows(), 0u);
 
   const TSXParameterTable theta(
       "y", MakeFullARIMAModel<ARMAMLSpForecastState>(), {"x"}, 0.95);
   EXPECT_EQ(theta.stateMethod, 2);
-  EXPECT_EQ(theta.finalNoise[0], 0.1);
+  EXPECT_EQ(Values(theta.finalNoise), (std::vector<double>{0.1, -0.2}));
   EXPECT_EQ(theta.finalTheta,
             (std::vector<std::vector<double>>{{0.5, 0.25}, {0.125}}));
   EXPECT_EQ(theta.finalNu, (std::vector<double>{1.5, 1.25}));
@@ -319,9 +329,11 @@ TEST(ParameterTableTest, OutlierRowsSkipTypeZero) {
   AMModelSpec spec;
   spec.SetOutliers({TSOutlierSpec(TSOutlierSpec::None, 3),
                     TSOutlierSpec(TSOutlierSpec::LevelShift, 9)});
-  const TSXParameterTable table("y", MakeARIMAModel(spec, {-0.5}, {0.25}), {},
-                                0.95);
+  // The value after the level shift's one parameter is not its damping.
+  const TSXParameterTable table(
+      "y", MakeARIMAModel(spec, {-0.5, 7.0}, {0.25, 1.0}), {}, 0.95);
   ASSERT_EQ(table.outlierRows.size(), 1u);
+  EXPECT_EQ(table.outlierRows[0].dampingCoefficient, 0.0);
   EXPECT_EQ(table.outlierRows[0].type, 2);
   EXPECT_EQ(table.outlierRows[0].magnitude, -0.5);
   EXPECT_EQ(table.outlierRows[0].magnitudeTTest, -2.0);
@@ -337,6 +349,10 @@ TEST(ParameterTableTest, ResidualCorrelationBounds) {
       {kMissing, 0.5, -1, 2, 0.25, -0.75, 1.5, -2, 1, 0.5, -0.5}, model, 4);
   ASSERT_EQ(table.acf.size(), 4u);
   ASSERT_EQ(table.pacf.size(), 4u);
+  ASSERT_EQ(table.acfStdErr.size(), 4u);
+  ASSERT_EQ(table.pacfStdErr.size(), 4u);
+  ASSERT_EQ(table.acfUpper.size(), 4u);
+  ASSERT_EQ(table.pacfUpper.size(), 4u);
   EXPECT_DOUBLE_EQ(table.acfStdErr[0], std::sqrt(0.1));
   for (size_t k = 0; k < 4; ++k) {
     EXPECT_NEAR(table.acfUpper[k], kZ * table.acfStdErr[k], 1e-15);
