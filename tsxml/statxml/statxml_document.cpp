@@ -193,7 +193,6 @@ bool TSXStatXMLDocument::AddModel(const TSFModel& model,
   }
 
   root_.swap(root);  // no throw: the document is complete
-  isExponentialSmoothing_ = exponentialSmoothing;
   return true;
 }
 

@@ -56,14 +56,8 @@ class TSXStatXMLDocument {
   // the declaration alone is written and the answer is false. Repeatable.
   bool Write(std::ostream& os) const;
 
-  // The root "StatXML"; null until a model has been added.
-  const XMLElement* GetRoot() const { return root_.get(); }
-  // Whether the model added last has an exponential smoothing state.
-  bool IsExponentialSmoothing() const { return isExponentialSmoothing_; }
-
  private:
-  std::unique_ptr<XMLElement> root_;
-  bool isExponentialSmoothing_ = false;
+  std::unique_ptr<XMLElement> root_;  // "StatXML"; null until a model is added
   const std::valarray<double>* series_ = nullptr;  // not owned
   int lagCount_ = 0;
   double confidenceLevel_ = 0.95;
