@@ -333,33 +333,6 @@ TEST(ParameterTableTest, OutlierRowsSkipTypeZero) {
   EXPECT_TRUE(table.rows.empty());
 }
 
-TEST(ParameterTableTest, ResidualCorrelationBounds) {
-  const TSFModel model = MakeFullARIMAModel<ARMAMLForecastState>();
-  TSXParameterTable table("y", model, {"x"}, 0.95);
-  table.ComputeResidualCorrelations(
-      {kMissing, 0.5, -1, 2, 0.25, -0.75, 1.5, -2, 1, 0.5, -0.5}, model, 4);
-  ASSERT_EQ(table.acf.size(), 4u);
-  ASSERT_EQ(table.pacf.size(), 4u);
-  ASSERT_EQ(table.acfStdErr.size(), 4u);
-  ASSERT_EQ(table.pacfStdErr.size(), 4u);
-  ASSERT_EQ(table.acfUpper.size(), 4u);
-  ASSERT_EQ(table.pacfUpper.size(), 4u);
-  EXPECT_DOUBLE_EQ(table.acfStdErr[0], std::sqrt(0.1));
-  for (size_t k = 0; k < 4; ++k) {
-    EXPECT_NEAR(table.acfUpper[k], kZ * table.acfStdErr[k], 1e-15);
-    EXPECT_EQ(table.acfLower[k], -table.acfUpper[k]);
-    EXPECT_EQ(table.pacfStdErr[k], table.acfStdErr[0]);
-    EXPECT_EQ(table.pacfUpper[k], table.pacfUpper[0]);
-    EXPECT_EQ(table.pacfLower[k], -table.pacfUpper[k]);
-  }
-
-  // Too few lags: nothing at all.
-  TSXParameterTable none("y", model, {"x"}, 0.95);
-  none.ComputeResidualCorrelations({1, 2, 3}, model, 0);
-  EXPECT_EQ(none.acf.size() + none.pacf.size() + none.pacfStdErr.size(), 0u);
-  EXPECT_TRUE(none.acfLower.empty());
-}
-
 TEST(ParameterTableTest, ZeroCentredBounds) {
   std::vector<double> lower, upper;
   tsxml::FillZeroCentredBounds({0.5, 0.25, 0.125}, {0.5, kMissing}, lower,
