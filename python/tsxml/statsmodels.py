@@ -220,7 +220,7 @@ def from_sarimax(results, name=None, dependent_variable=None,
     d = int(model.k_diff)
     seasonal_d = int(model.k_seasonal_diff)
 
-    def lags(pattern):
+    def terms(pattern):
         found = []
         for i, param in enumerate(names):
             match = re.fullmatch(pattern, param)
@@ -228,10 +228,10 @@ def from_sarimax(results, name=None, dependent_variable=None,
                 found.append((int(match.group(1)), i))
         return found
 
-    ar = lags(r"ar\.L(\d+)")
-    seasonal_ar = lags(r"ar\.S\.L(\d+)")
-    ma = lags(r"ma\.L(\d+)")
-    seasonal_ma = lags(r"ma\.S\.L(\d+)")
+    ar = terms(r"ar\.L(\d+)")
+    seasonal_ar = terms(r"ar\.S\.L(\d+)")
+    ma = terms(r"ma\.L(\d+)")
+    seasonal_ma = terms(r"ma\.S\.L(\d+)")
     exog_names = list(model.exog_names or [])
     known = ({i for _, i in ar + seasonal_ar + ma + seasonal_ma}
              | {names.index(x) for x in exog_names}
