@@ -2,8 +2,6 @@
 tsxml.statsmodels as the native, PMML and StatXML documents: the documents
 validate, and the parameter table holds statsmodels' estimates."""
 import os
-import shutil
-import subprocess
 import warnings
 import xml.etree.ElementTree as ET
 
@@ -17,10 +15,8 @@ arima_model = pytest.importorskip("statsmodels.tsa.arima.model")
 
 import tsxml  # noqa: E402
 import tsxml.statsmodels as adapters  # noqa: E402
+from schema_check import SCHEMAS, validate  # noqa: E402
 
-SOURCE = os.environ.get("TSXML_SOURCE_DIR",
-                        os.path.join(os.path.dirname(__file__), "..", ".."))
-SCHEMAS = os.path.join(SOURCE, "schemas")
 STATXML_NS = "{http://www.tsxml.example/software/analytics/corvane/xml/extension}"
 
 
@@ -56,20 +52,6 @@ def write_or_skip(description, **kwargs):
         if "not available" in str(error):
             pytest.skip("waits for the library: %s" % error)
         raise
-
-
-def validate(document, schema, tmp_path):
-    xmllint = shutil.which("xmllint")
-    if xmllint is None:
-        if os.environ.get("CI") == "true":
-            pytest.fail("xmllint is missing (Debian's libxml2-utils)")
-        pytest.skip("xmllint is not installed (Debian's libxml2-utils)")
-    path = tmp_path / "document.xml"
-    path.write_text(document, encoding="utf-8")
-    result = subprocess.run([xmllint, "--noout", "--schema",
-                             os.path.join(SCHEMAS, schema), str(path)],
-                            capture_output=True, text=True, check=False)
-    assert result.returncode == 0, result.stderr
 
 
 def parameter_rows(statxml):

@@ -14,6 +14,7 @@ import statsmodels.api as sm  # noqa: E402
 import tsxml  # noqa: E402
 import tsxml.statsmodels as adapters  # noqa: E402
 from pmml_scorer import SmoothingModel  # noqa: E402
+from schema_check import validate  # noqa: E402
 
 HORIZON = 24
 # The document's numbers have 15 significant digits; 1e-9 leaves room for
@@ -154,6 +155,14 @@ class TestHoltWinters:
         results = fit_holt_winters(generated(125, seed=3),
                                    **HOLT_WINTERS_FORMS[form])
         assert_replays(document(results, adapters.from_holt_winters))
+
+    def test_documents_validate(self, tmp_path):
+        for form, kwargs in sorted(HOLT_WINTERS_FORMS.items()):
+            results = fit_holt_winters(generated(125, seed=2), **kwargs)
+            description = adapters.from_holt_winters(results)
+            validate(tsxml.write(description), "pmml-4-2.xsd", tmp_path)
+            validate(tsxml.write(description, format="native"),
+                     "time-series-1.0.xsd", tmp_path)
 
     @pytest.mark.parametrize("form", sorted(EXPECTED_TYPE))
     def test_forms_and_transformations(self, form):
