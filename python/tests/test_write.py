@@ -30,9 +30,13 @@ def tool(text, *options):
     standard input."""
     if PROGRAM is None:
         pytest.skip("TSXML_PROGRAM names no tsxml program")
+    # Under the sanitizers the interpreter runs with the sanitizer's runtime
+    # preloaded, which the instrumented program links in by itself.
+    env = {key: value for key, value in os.environ.items()
+           if key != "LD_PRELOAD"}
     result = subprocess.run([PROGRAM, "write", *options, "-"],
                             input=text.encode("utf-8"), capture_output=True,
-                            check=False)
+                            check=False, env=env)
     return (result.returncode, result.stdout.decode("utf-8"),
             result.stderr.decode("utf-8"))
 
