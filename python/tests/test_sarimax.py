@@ -97,6 +97,31 @@ class TestDocuments:
                                  pmml_consistent=True)
         validate(document, "pmml-4-2.xsd", tmp_path)
 
+    def test_pmml_arima_shows_statsmodels_coefficients(self, fit):
+        # The ARIMA element's AR and MA arrays show the coefficients as the
+        # parameter table does: statsmodels' own.
+        results, description = fit
+        document = write_or_skip(description, format="pmml",
+                                 pmml_consistent=True)
+        ns = "{http://www.dmg.org/PMML-4_2}"
+        arima = ET.fromstring(document).find(".//%sARIMA" % ns)
+        assert arima is not None
+
+        def array(path):
+            steps = [ns + step for step in path.split("/")] + [ns + "Array"]
+            element = arima.find("/".join(steps))
+            return [float(v) for v in (element.text or "").split()]
+
+        params = dict(zip(results.model.param_names, results.params))
+        assert array("NonseasonalComponent/AR") == pytest.approx(
+            [params["ar.L1"]], rel=1e-14)
+        assert array("NonseasonalComponent/MA") == pytest.approx(
+            [params["ma.L1"]], rel=1e-14)
+        assert array("SeasonalComponent/MA") == pytest.approx(
+            [params["ma.S.L12"]], rel=1e-14)
+        assert array("PredicterEffect/Numerator/NonseasonFactor") == (
+            pytest.approx([params["x1"]], rel=1e-14))
+
     def test_statxml_validates(self, fit, tmp_path):
         document = write_or_skip(fit[1], format="statxml")
         schemas = sorted(name for name in os.listdir(SCHEMAS)
