@@ -40,10 +40,6 @@ std::string Write(std::string_view description, const std::string& format,
         "", "unknown format \"" + format +
                 "\": expected \"native\", \"pmml\" or \"statxml\"");
   }
-  if (pmml_consistent && options.format != tsxml_tool::Format::kPMML) {
-    throw tsxml_tool::DescriptionError(
-        "", "pmml_consistent applies to the pmml format only");
-  }
   options.pmmlConsistent = pmml_consistent;
   options.timeSeries = time_series;
   const tsxml_tool::Description parsed =

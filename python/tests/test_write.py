@@ -162,8 +162,6 @@ class TestErrors:
         text = load("calls.json")
         with pytest.raises(ValueError, match="format must be one of"):
             tsxml.write(text, format="xml")
-        with pytest.raises(ValueError, match="pmml format only"):
-            tsxml.write(text, format="native", pmml_consistent=True)
         with pytest.raises(TypeError):
             tsxml.write(["models"])
         if not tsxml.available("pmml_consistent"):
