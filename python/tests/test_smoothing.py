@@ -14,7 +14,7 @@ import statsmodels.api as sm  # noqa: E402
 import tsxml  # noqa: E402
 import tsxml.statsmodels as adapters  # noqa: E402
 from pmml_scorer import SmoothingModel  # noqa: E402
-from schema_check import validate  # noqa: E402
+from schema_check import statxml_schema, validate  # noqa: E402
 
 HORIZON = 24
 # The document's numbers have 15 significant digits; 1e-9 leaves room for
@@ -163,6 +163,9 @@ class TestHoltWinters:
             validate(tsxml.write(description), "pmml-4-2.xsd", tmp_path)
             validate(tsxml.write(description, format="native"),
                      "time-series-1.0.xsd", tmp_path)
+            if tsxml.available("statxml"):
+                validate(tsxml.write(description, format="statxml"),
+                         statxml_schema(), tmp_path)
 
     @pytest.mark.parametrize("form", sorted(EXPECTED_TYPE))
     def test_forms_and_transformations(self, form):
