@@ -262,17 +262,18 @@ def from_sarimax(results, name=None, dependent_variable=None,
         arima["constant"] = True
         estimates.append(mu)
         errors.append(_delta_std_error(cov, gradient))
-    for key, terms, seasonal in (("ar", ar, False),
-                                 ("seasonalAr", seasonal_ar, True),
-                                 ("ma", ma, False),
-                                 ("seasonalMa", seasonal_ma, True)):
-        if not terms:
+    for key, lags_found, seasonal in (("ar", ar, False),
+                                      ("seasonalAr", seasonal_ar, True),
+                                      ("ma", ma, False),
+                                      ("seasonalMa", seasonal_ma, True)):
+        if not lags_found:
             continue
-        if seasonal and any(lag % s for lag, _ in terms):
+        if seasonal and any(lag % s for lag, _ in lags_found):
             _unsupported("a seasonal lag that is not a multiple of the "
                          "season length")
-        arima[key] = [lag // s if seasonal else lag for lag, _ in terms]
-        for _, i in terms:
+        arima[key] = [lag // s if seasonal else lag
+                      for lag, _ in lags_found]
+        for _, i in lags_found:
             estimates.append(-values[i])
             errors.append(_missing_if_nan(bse[i]))
     transfer = []
