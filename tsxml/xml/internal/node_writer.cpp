@@ -79,6 +79,7 @@ enum : std::uint32_t {
   kCreated = 1,           // made by Create: exactly an XMLElement
   kInlineText = 2,        // the text buffer is in the element's own block
   kAttributeObjects = 4,  // some record holds an XMLAttribute
+  kEscapedValues = 8,     // some record's value needs escaping
 };
 
 constexpr std::uint32_t kObjectRecord = 0xFFFFFFFFu;
@@ -105,6 +106,91 @@ XMLAttribute* LoadObject(const char* at) {
 }
 
 constexpr std::uintptr_t kTextTag = 1;
+
+// Copies up to a few dozen bytes without a call.
+inline char* CopyShort(char* to, const char* from, std::size_t size) {
+  if (size >= 8) {
+    if (size > 16) {
+      std::memcpy(to, from, size);
+      return to + size;
+    }
+    std::uint64_t head, tail;
+    std::memcpy(&head, from, 8);
+    std::memcpy(&tail, from + size - 8, 8);
+    std::memcpy(to, &head, 8);
+    std::memcpy(to + size - 8, &tail, 8);
+    return to + size;
+  }
+  if (size >= 4) {
+    std::uint32_t head, tail;
+    std::memcpy(&head, from, 4);
+    std::memcpy(&tail, from + size - 4, 4);
+    std::memcpy(to, &head, 4);
+    std::memcpy(to + size - 4, &tail, 4);
+    return to + size;
+  }
+  for (std::size_t i = 0; i < size; ++i) to[i] = from[i];
+  return to + size;
+}
+
+constexpr int kShortTabs = 16;
+constexpr char kTabs[kShortTabs + 1] = "\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t";
+
+// `count` tabs, 0 <= count <= kShortTabs, with room for kShortTabs.
+inline char* PutShortTabs(char* to, int count) {
+  std::memcpy(to, kTabs, kShortTabs);
+  return to + count;
+}
+
+// Writes the start of an element whose attribute values all need no
+// escaping, with the level below kShortTabs, into one claimed run of the
+// buffer (raw output only: no pieces are marked). Leaves `format` as the
+// general route does, but the level raised for the children when `open`.
+bool StartPlain(const char* text, std::size_t nameSize, std::size_t textSize,
+                ExportFormat& format, OutputBuffer& out, bool open) {
+  const int indent = format.GetLevel();
+  if (indent < 0 || indent >= kShortTabs) return false;
+  // Line start and tabs, "<", the name and "/>"; each record's bytes less
+  // its header, and a line start, a tab run, "=" and two quotes.
+  const std::size_t attributes = textSize - nameSize;
+  const std::size_t records = attributes / kRecordHeader;
+  const std::size_t bound = 1 + kShortTabs + 1 + nameSize + 2 + attributes +
+                            records * (kShortTabs + 4 - kRecordHeader);
+  char* p = out.Claim(bound);
+  if (format.IsNewParagraph()) *p++ = '\n';
+  if (format.HasIndentation()) p = PutShortTabs(p, indent);
+  *p++ = '<';
+  p = CopyShort(p, text, nameSize);
+  const char* record = text + nameSize;
+  const char* const end = text + textSize;
+  if (record != end) {
+    const char separator = format.IsNewParagraph() ? '\n' : ' ';
+    const int tabs = format.HasIndentation() ? indent + 1 : 0;
+    do {
+      const std::uint32_t nameBytes = LoadU32(record);
+      const std::size_t valueBytes = LoadU32(record + 4) & ~kPlainValue;
+      const char* name = record + kRecordHeader;
+      *p++ = separator;
+      p = PutShortTabs(p, tabs);
+      p = CopyShort(p, name, nameBytes);
+      *p++ = '=';
+      *p++ = '"';
+      p = CopyShort(p, name + nameBytes, valueBytes);
+      *p++ = '"';
+      record = name + nameBytes + valueBytes;
+    } while (record != end);
+  }
+  if (open) {
+    *p++ = '>';
+    format.SetLevel(indent + 1);
+  } else {
+    *p++ = '/';
+    *p++ = '>';
+    RestoreLayout(format);
+  }
+  out.Commit(p);
+  return true;
+}
 
 // A child of a type this file does not know writes itself.
 void WriteForeign(const XMLInterface& node, ExportFormat& format,
@@ -264,7 +350,10 @@ void XMLNodeAccess::AppendObjectRecord(XMLElement& element,
 
 void XMLNodeAccess::AddTextAttribute(XMLElement& element, std::string_view name,
                                      std::string_view value) {
-  AppendRecord(element, name, value, false);
+  const char* end = value.data() + value.size();
+  const bool plain = SkipSafe(value.data(), end, kAttributeSpecial) == end;
+  AppendRecord(element, name, value, plain);
+  if (!plain) element.flags_ |= kEscapedValues;
 }
 
 void XMLNodeAccess::AddNumberAttribute(XMLElement& element,
@@ -345,11 +434,18 @@ void XMLNodeAccess::WriteElement(const XMLElement& root, ExportFormat& format,
     int indent;
   };
   std::vector<Open> open;
+  const bool raw = !out.IsUtf8();
 
   // Writes the start of `element` and its attributes. An element with
   // children goes on the stack; one without is closed at once.
-  auto start = [&format, &out, &open](const XMLElement& element) {
+  auto start = [&format, &out, &open, raw](const XMLElement& element) {
     const int indent = format.GetLevel();
+    if (raw && (element.flags_ & (kAttributeObjects | kEscapedValues)) == 0 &&
+        StartPlain(element.text_, element.nameSize_, element.textSize_, format,
+                   out, element.childCount_ != 0)) {
+      if (element.childCount_ != 0) open.push_back(Open{&element, 0, indent});
+      return;
+    }
     LineStart(format, indent, out);
     out.Put('<');
     out.Write(element.text_, element.nameSize_);
