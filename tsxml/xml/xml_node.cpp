@@ -236,11 +236,11 @@ int XMLElement::ToStream(std::ostream& os, ExportFormat& format,
 }
 
 int XMLElement::AddElement(XMLString* child) {
-  return XMLNodeAccess::AddChild(*this, child);
+  return XMLNodeAccess::AppendChild(*this, child);
 }
 
 int XMLElement::AddElement(XMLElement* child) {
-  return XMLNodeAccess::AddChild(*this, child);
+  return XMLNodeAccess::AppendChild(*this, child);
 }
 
 void XMLElement::AddAttribute(XMLAttribute* attribute) {

@@ -375,18 +375,28 @@ void XMLNodeAccess::AppendTagged(XMLElement& element, std::uintptr_t child) {
   children[element.childCount_++] = child;
 }
 
-int XMLNodeAccess::AddChild(XMLElement& element, XMLElement* child) {
+int XMLNodeAccess::AppendChild(XMLElement& element, XMLElement* child) {
   std::unique_ptr<XMLElement> owned(child);
   AppendTagged(element, reinterpret_cast<std::uintptr_t>(child));
   owned.release();
   return ClampedSize(element.childCount_);
 }
 
-int XMLNodeAccess::AddChild(XMLElement& element, XMLString* child) {
+int XMLNodeAccess::AppendChild(XMLElement& element, XMLString* child) {
   std::unique_ptr<XMLString> owned(child);
   AppendTagged(element, reinterpret_cast<std::uintptr_t>(child) | kTextTag);
   owned.release();
   return ClampedSize(element.childCount_);
+}
+
+int XMLNodeAccess::AddChild(XMLElement& element, XMLElement* child) {
+  return (element.flags_ & kCreated) != 0 ? AppendChild(element, child)
+                                          : element.AddElement(child);
+}
+
+int XMLNodeAccess::AddChild(XMLElement& element, XMLString* child) {
+  return (element.flags_ & kCreated) != 0 ? AppendChild(element, child)
+                                          : element.AddElement(child);
 }
 
 // Writing

@@ -50,7 +50,9 @@ struct XMLNodeAccess {
   static void AddNumberAttribute(XMLElement& element, std::string_view name,
                                  double value);
   // Appends `child` (may be null), which `element` owns from the call on:
-  // should growing the list throw, `child` is deleted.
+  // should growing the list throw, `child` is deleted. A subclass's own
+  // AddElement is called; for elements made by Create no virtual call is
+  // made.
   static int AddChild(XMLElement& element, XMLElement* child);
   static int AddChild(XMLElement& element, XMLString* child);
   // The bytes that an attribute with a name and value of these sizes takes.
@@ -92,6 +94,9 @@ struct XMLNodeAccess {
   static void AppendObjectRecord(XMLElement& element, XMLAttribute* attribute);
   static void ReserveText(XMLElement& element, std::size_t extra);
   static void AppendTagged(XMLElement& element, std::uintptr_t child);
+  // What XMLElement::AddElement does.
+  static int AppendChild(XMLElement& element, XMLElement* child);
+  static int AppendChild(XMLElement& element, XMLString* child);
   static void DeleteAttributes(XMLElement& element) noexcept;
   static void DestroyCreated(XMLElement* element) noexcept;
   static void DestroyText(XMLString* text) noexcept;
