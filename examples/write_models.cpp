@@ -1,15 +1,18 @@
 // Builds fitted models in code (two exponential smoothing models, a seasonal
 // ARIMA model with a predictor and outliers, and a Croston model) and writes
 // the native model document for them to standard output; with --pmml, the
-// PMML 4.2 document of the exponential smoothing models instead.
+// PMML 4.2 document of the exponential smoothing models instead; with
+// --statxml, the statistics document of the ARIMA model.
 //
 //   write_models            the native document
 //   write_models --pmml     the PMML document
+//   write_models --statxml  the StatXML document
 #include <cstring>
 #include <iostream>
 #include <memory>
 #include <valarray>
 
+#include "tsxml/base/missing_value.h"
 #include "tsxml/datespec/date_spec.h"
 #include "tsxml/modelapi/forecast_model.h"
 #include "tsxml/tree/tsxml_tree.h"
@@ -201,11 +204,44 @@ int WritePMML() {
   return 0;
 }
 
+// The residuals of the sales model, after its differencing and its AR term
+// (the first 13 months have none).
+const std::valarray<double> kSalesResiduals = {
+    -0.0337, -0.0657, -0.0271, 0.0145,  0.0530,  0.0189,  -0.0218, -0.0399,
+    0.0216,  0.0781,  0.0321,  -0.0484, -0.0558, 0.0551,  0.0287,  -0.0702,
+    -0.0253, -0.0499, -0.0411, -0.0284, -0.0361, 0.0143,  0.0043,  -0.0256,
+    0.0098,  0.0400,  -0.0586, -0.0315, -0.0444, -0.0196, -0.0563, -0.0154,
+    -0.0013, -0.0133, -0.0478, -0.0298, -0.0508, -0.0707, -0.0076, -0.0438,
+    0.0352,  0.0448,  -0.0749, -0.0137, -0.0428, -0.0125, 0.0022};
+
+// The StatXML document of the sales model: its fit, its parameters with 95 %
+// confidence limits, its outliers and the correlations of its residuals at
+// lags 1 to 12.
+int WriteStatXML() {
+  std::valarray<double> residuals(MV::gMissingValue, 60);
+  residuals[std::slice(13, kSalesResiduals.size(), 1)] = kSalesResiduals;
+
+  TSXMLTree tree;
+  tree.SetStatXMLOutput(&residuals, 12, 0.95);
+  if (!tree.AddModelTree(MakeSalesARIMAModel(),
+                         TSXDictionaryRefs("Sales", "Monthly sales", "sales",
+                                           {"advertising"})) ||
+      !tree.WriteToStream(std::cout)) {
+    std::cerr << "write_models: the model could not be written\n";
+    return 1;
+  }
+  std::cout << '\n';
+  return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   if (argc == 1) return WriteNative();
   if (argc == 2 && std::strcmp(argv[1], "--pmml") == 0) return WritePMML();
-  std::cerr << "usage: write_models [--pmml]\n";
+  if (argc == 2 && std::strcmp(argv[1], "--statxml") == 0) {
+    return WriteStatXML();
+  }
+  std::cerr << "usage: write_models [--pmml | --statxml]\n";
   return 2;
 }

@@ -1,6 +1,7 @@
 // Everything a host uses, in one include: the document tree, the model
-// classes it is given, date specifications, the XML node model and number
-// text, the object stream, the distribution functions and the version.
+// classes it is given and the autocorrelations of a series, date
+// specifications, the XML node model and number text, the object stream, the
+// distribution functions and the version.
 #ifndef TSXML_TSXML_H
 #define TSXML_TSXML_H
 
@@ -8,6 +9,7 @@
 #include "tsxml/base/missing_value.h"
 #include "tsxml/base/status.h"
 #include "tsxml/datespec/date_spec.h"
+#include "tsxml/modelapi/autocorrelation.h"
 #include "tsxml/modelapi/forecast_model.h"
 #include "tsxml/native/model_xml_tree_maker.h"
 #include "tsxml/objectstream/xml_obj.h"

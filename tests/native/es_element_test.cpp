@@ -5,15 +5,17 @@
 #include <memory>
 
 #include "support/model_fixtures.h"
+#include "support/test_data.h"
 #include "tsxml/base/dictionary_refs.h"
 #include "tsxml/modelapi/forecast_model.h"
 
 namespace {
 
 using OstraTimeXML::XMLElement;
-using testing_support::EstimateElement;
-using testing_support::Lines;
+using testing_support::ReadTestData;
 using testing_support::Text;
+
+using Spec = ESModelSpec;
 
 constexpr double kMissing = MV::gMissingValue;
 
@@ -27,101 +29,56 @@ std::unique_ptr<XMLElement> Build(const ESForecastState& state) {
       state.GetParameters(), state.GetParameterStdErrors(), state, info));
 }
 
-TEST(ExpSmoothingElementTest, WholeElements) {
-  // The seasonal types are in the tree's whole documents.
-  const struct {
-    ESForecastState state;
-    std::string body;
-  } cases[] = {
+TEST(ExpSmoothingElementTest, WholeElementsAndSubmodels) {
+  WIESSmState longCycle(1, 0, 2, {4, 5});
+  longCycle.SetCycleLength(6);
+  const ESForecastState states[] = {
       // Level, trend and damping; no season.
-      {ESForecastState(ESModelSpec(ESModelSpec::ESDampedTrend, 1),
-                       {0.3, 0.1, 0.9}, {}, WIESSmState(5, -1)),
-       Lines({"\t<ESDampedTrend>", EstimateElement(2, "ParmLevel", {}, {"0.3"}),
-              EstimateElement(2, "ParmTrend", {}, {"0.1"}),
-              EstimateElement(2, "ParmDampingTrend", {}, {"0.9"}),
-              "\t\t<StateLevel>5</StateLevel>",
-              "\t\t<StateTrend>-1</StateTrend>", "\t</ESDampedTrend>"})},
+      ESForecastState(Spec(Spec::ESDampedTrend, 1), {0.3, 0.1, 0.9}, {},
+                      WIESSmState(5, -1)),
       // Fewer estimates than the model has: the states alone.
-      {ESForecastState(ESModelSpec(ESModelSpec::ESHolt, 0), {0.3}, {},
-                       WIESSmState(5, 1)),
-       Lines({"\t<ESHolt>", "\t\t<StateLevel>5</StateLevel>",
-              "\t\t<StateTrend>1</StateTrend>", "\t</ESHolt>"})},
+      ESForecastState(Spec(Spec::ESHolt, 0), {0.3}, {}, WIESSmState(5, 1)),
+      // A season but no trend state: the missing trend is never looked at.
+      ESForecastState(Spec(Spec::ESSimpleSeasonal, 2), {0.4, 0.2}, {0.1, 0.05},
+                      WIESSmState(3, kMissing, 0, {1, -1})),
+      // A cycle longer than the stored values reads only those.
+      ESForecastState(Spec(Spec::ESSimple), {0.5}, {}, longCycle),
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(
-        Text(*Build(c.state)),
-        Lines({"<ExpSmoothingModel", "\tmodelName=\"M\"",
-               "\tvariableID=\"y\">"}) +
-            c.body +
-            Lines({"\t<EstimationInfo", "\t\tperiodStartIndex=\"0\"",
-                   "\t\tperiodLength=\"12\"", "\t\tdegreesOfFreedom=\"10\"/>",
-                   "</ExpSmoothingModel>"}));
-  }
-}
+  std::string text;
+  for (const ESForecastState& state : states) text += Text(*Build(state));
+  EXPECT_EQ(text, "\n" + ReadTestData("native/es_elements.xml"));
 
-TEST(ExpSmoothingElementTest, SimpleSeasonalHasSeasonButNoTrendState) {
-  // The trend is missing but never looked at for this type.
-  ESForecastState state(ESModelSpec(ESModelSpec::ESSimpleSeasonal, 2),
-                        {0.4, 0.2}, {0.1, 0.05},
-                        WIESSmState(3, kMissing, 0, {1, -1}));
-  const std::string text = Text(*Build(state));
-  EXPECT_NE(text.find("\t\t<StateSeason\n\t\t\tphase=\"0\">1 -1</StateSeason>"),
-            std::string::npos);
-  EXPECT_EQ(text.find("StateTrend"), std::string::npos);
-  EXPECT_NE(text.find("seasonLength=\"2\""), std::string::npos);
+  // Submodels are "ESSimple" whatever the type, with the level parameter
+  // alone; they never fail: a missing seasonal value empties the states, a
+  // missing estimate drops "ParmLevel".
+  auto parent = testing_support::Element();
+  tsxml::AddESSubmodel(*parent, "A",
+                       ESForecastState(Spec(Spec::ESHolt), {0.2, 0.1}, {0.05},
+                                       WIESSmState(4, 1)));
+  tsxml::AddESSubmodel(*parent, "C",
+                       ESForecastState(Spec(Spec::ESSimple), {kMissing}, {},
+                                       WIESSmState(1, 0, 0, {kMissing, 1})));
+  EXPECT_EQ(Text(*parent), "\n" + ReadTestData("native/es_submodels.xml"));
 }
 
 TEST(ExpSmoothingElementTest, ModelsThatCannotBeWrittenGiveNull) {
-  using Spec = ESModelSpec;
   const WIESSmState sound(1, 1, 0, {1, 2});
   Spec pastEnd(Spec::ESSimple);
   pastEnd.SetESParameterIndex(Spec::Level, 3);
   pastEnd.SetParameterCount(1);
-  const struct {
-    const char* what;
-    Spec spec;
-    std::valarray<double> parameters;
-    WIESSmState state;
-  } cases[] = {
-      {"type outside the table", Spec(9), {0.5}, sound},
-      {"position past the estimates", pastEnd, {0.5}, sound},
-      {"missing estimate", Spec(Spec::ESHolt), {0.5, kMissing}, sound},
-      {"missing level", Spec(Spec::ESSimple), {0.5}, {kMissing, 0}},
-      {"missing trend", Spec(Spec::ESBrown), {0.5}, {1, kMissing}},
-      {"missing season", Spec(Spec::ESSimple), {0.5}, {1, 0, 0, {1, kMissing}}},
+  const ESForecastState cases[] = {
+      ESForecastState(Spec(9), {0.5}, {}, sound),  // type outside the table
+      ESForecastState(pastEnd, {0.5}, {},
+                      sound),  // position past the estimates
+      ESForecastState(Spec(Spec::ESHolt), {0.5, kMissing}, {}, sound),
+      ESForecastState(Spec(Spec::ESSimple), {0.5}, {}, {kMissing, 0}),
+      ESForecastState(Spec(Spec::ESBrown), {0.5}, {}, {1, kMissing}),
+      ESForecastState(Spec(Spec::ESSimple), {0.5}, {},
+                      {1, 0, 0, {1, kMissing}}),
   };
-  for (const auto& c : cases) {
-    EXPECT_EQ(Build(ESForecastState(c.spec, c.parameters, {}, c.state)),
-              nullptr)
-        << c.what;
+  for (const ESForecastState& state : cases) {
+    EXPECT_EQ(Build(state), nullptr) << "case " << &state - cases;
   }
-}
-
-TEST(ExpSmoothingElementTest, CycleLongerThanStoredValuesReadsOnlyThose) {
-  WIESSmState sm(1, 0, 2, {4, 5});
-  sm.SetCycleLength(6);
-  ESForecastState state(ESModelSpec(ESModelSpec::ESSimple), {0.5}, {}, sm);
-  EXPECT_NE(Text(*Build(state)).find("phase=\"2\">4 5</StateSeason>"),
-            std::string::npos);
-}
-
-TEST(ESSubmodelTest, ReducedFormNeverFails) {
-  auto parent = std::unique_ptr<XMLElement>(XMLElement::Create("p"));
-  // "ESSimple" whatever the type, with the level parameter alone.
-  ESForecastState holt(ESModelSpec(ESModelSpec::ESHolt), {0.2, 0.1}, {0.05},
-                       WIESSmState(4, 1));
-  tsxml::AddESSubmodel(*parent, "A", holt);
-  // A missing seasonal value empties the states; a missing estimate drops
-  // "ParmLevel". (A missing level is in the Croston document.)
-  ESForecastState badSeason(ESModelSpec(ESModelSpec::ESSimple), {kMissing}, {},
-                            WIESSmState(1, 0, 0, {kMissing, 1}));
-  tsxml::AddESSubmodel(*parent, "C", badSeason);
-  EXPECT_EQ(Text(*parent),
-            Lines({"<p>", "\t<A>", "\t\t<ESSimple>",
-                   EstimateElement(3, "ParmLevel", {}, {"0.2 0.05"}),
-                   "\t\t\t<StateLevel>4</StateLevel>",
-                   "\t\t\t<StateTrend>1</StateTrend>", "\t\t</ESSimple>",
-                   "\t</A>", "\t<C>", "\t\t<ESSimple/>", "\t</C>", "</p>"}));
 }
 
 }  // namespace

@@ -55,28 +55,12 @@ TEST(ModelSummaryTest, FillReadsEveryStatisticByItsKeyAndLaterFillsReplace) {
       {summary.ljungBoxQ, 12.5},    {summary.ljungBoxCount, 18},
       {summary.ljungBoxSig, 0.75}};
   for (const auto& [got, want] : stats) EXPECT_EQ(got, want) << want;
-  ASSERT_EQ(summary.history.size(), 3u);
-  EXPECT_EQ(summary.history[2], 7);
+  EXPECT_EQ(summary.history.size(), 3u);
 
   // An empty model changes only the names.
   summary.Fill(TSFModel(), TSXDictionaryRefs("M", "", "z"), {1});
   EXPECT_EQ(Names(summary), "M||z");
-  EXPECT_EQ(summary.model.GetImp(), winters.GetImp());
   EXPECT_EQ(summary.rmse, 101);
-  EXPECT_EQ(summary.history.size(), 3u);
-  EXPECT_EQ(summary.esParameterRows.size(), 3u);
-
-  // Another model overwrites every field, with missing values too.
-  const TSFModel simple = MakeESModel(ESModelSpec(ESModelSpec::ESSimple),
-                                      {0.75}, {0.25}, WIESSmState(3, 0));
-  summary.Fill(simple, TSXDictionaryRefs("S", "", "s"), {});
-  EXPECT_EQ(summary.model.GetImp(), simple.GetImp());
-  EXPECT_EQ(summary.rmse, kMissing);
-  EXPECT_EQ(summary.ljungBoxQ, kMissing);
-  EXPECT_EQ(summary.history.size(), 0u);
-  EXPECT_EQ(summary.esParameterKinds, std::vector<int32_t>{0});
-  ASSERT_EQ(summary.esParameterRows.size(), 1u);
-  EXPECT_EQ(summary.esParameterRows[0][TSXModelSummary::kEstimate], 0.75);
 
   // An ARIMA model clears the rows and keeps the kinds; a type outside the
   // table leaves neither.
@@ -101,20 +85,17 @@ TEST(ModelSummaryTest, TStatisticAndSignificance) {
   summary.Fill(MakeESModel(spec, {2, -2, 0.5}, {1, 1, 0},
                            WIESSmState(1, 1, 0, {1, 2, 3, 4})),
                TSXDictionaryRefs(), {});
-  const auto& rows = summary.esParameterRows;
-  ASSERT_EQ(rows.size(), 3u);
-  const double c = TSStatUtil::CDFStudentsT(-2, 23);
-  const double significance = MV::IsMissing(c) ? kMissing : 2 * c;
-  EXPECT_EQ(rows[0], (std::vector<double>{2, 1, 2, significance}));
-  EXPECT_EQ(rows[1], (std::vector<double>{-2, 1, -2, significance}));
-  EXPECT_EQ(rows[2], (std::vector<double>{0.5, 0, kMissing, kMissing}));
+  using Rows = std::vector<std::vector<double>>;
+  const double significance = 2 * TSStatUtil::CDFStudentsT(-2, 23);
+  EXPECT_EQ(summary.esParameterRows, (Rows{{2, 1, 2, significance},
+                                           {-2, 1, -2, significance},
+                                           {0.5, 0, kMissing, kMissing}}));
 
   summary.Fill(MakeESModel(ESModelSpec(ESModelSpec::ESSimple), {0.5}, {},
                            WIESSmState(1, 0)),
                TSXDictionaryRefs(), {});
-  ASSERT_EQ(summary.esParameterRows.size(), 1u);
-  EXPECT_EQ(summary.esParameterRows[0],
-            (std::vector<double>{0.5, kMissing, kMissing, kMissing}));
+  EXPECT_EQ(summary.esParameterRows,
+            (Rows{{0.5, kMissing, kMissing, kMissing}}));
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #ifndef TSXML_TESTS_PMML_PMML_TEST_UTIL_H
 #define TSXML_TESTS_PMML_PMML_TEST_UTIL_H
 
+#include <numeric>
 #include <sstream>
 #include <string>
 #include <valarray>
@@ -36,18 +37,11 @@ inline TSFModel MakeTypeModel(int type, const ModelOptions& options = {}) {
   const unsigned season = seasonal ? options.seasonLength : 1;
   const ESModelSpec spec(type, season);
   const double estimates[] = {0.5, 0.25, 0.125, 0.875};
-  const unsigned count = spec.GetParameterCount(true);
-  std::valarray<double> parameters(count), errors(count);
-  for (unsigned i = 0; i < count; ++i) {
-    parameters[i] = estimates[i];
-    errors[i] = estimates[i] / 10;
-  }
+  const std::valarray<double> parameters(estimates,
+                                         spec.GetParameterCount(true));
   std::valarray<double> values(seasonal ? season : 0);
-  std::valarray<double> initialValues(seasonal ? season : 0);
-  for (size_t i = 0; i < values.size(); ++i) {
-    values[i] = static_cast<double>(i + 1);
-    initialValues[i] = 0.5 * static_cast<double>(i + 1);
-  }
+  std::iota(std::begin(values), std::end(values), 1.0);
+  const std::valarray<double> initialValues = 0.5 * values;
   if (options.missingSeasonal && values.size() > 1) {
     values[1] = MV::gMissingValue;
   }
@@ -56,8 +50,8 @@ inline TSFModel MakeTypeModel(int type, const ModelOptions& options = {}) {
                          values);
   EstimationInfo info = testing_support::BasicInfo(2, 40, 37, 0.75);
   info.SetGOFStat(BFSharedConst::RMSE, 1.25);
-  return testing_support::MakeESModel(spec, parameters, errors, finalState,
-                                      info, options.history,
+  return testing_support::MakeESModel(spec, parameters, parameters / 10.0,
+                                      finalState, info, options.history,
                                       WIESSmState(9, 1.5, 0, initialValues));
 }
 

@@ -15,6 +15,24 @@ inline long gAllocationsUntilFailure = -1;
 inline bool gFailAlways = false;
 inline long gLiveAllocations = 0;
 
+// Makes the n-th allocation from now (0-based) fail while in scope.
+class FailingAllocations {
+ public:
+  explicit FailingAllocations(long n) { gAllocationsUntilFailure = n; }
+  ~FailingAllocations() { gAllocationsUntilFailure = -1; }
+  FailingAllocations(const FailingAllocations&) = delete;
+  FailingAllocations& operator=(const FailingAllocations&) = delete;
+};
+
+// Calls `step(n)` for n = 0, 1, ... until it returns true (the call under
+// test, with FailingAllocations(n), completed); returns the failed runs.
+template <typename Step>
+long ForEachFailingAllocation(Step step) {
+  long n = 0;
+  while (!step(n)) ++n;
+  return n;
+}
+
 }  // namespace testing_support
 
 inline void* AllocateOrFail(std::size_t size) {

@@ -294,8 +294,9 @@ def sh(cmd, cwd=None, env=None, timeout=None):
 
 
 class Suite:
-    def __init__(self, name, tests, source, work, env, jobs):
+    def __init__(self, name, tests, source, work, env, jobs, cmake_args=()):
         self.name, self.tests, self.env, self.jobs = name, tests, env, jobs
+        self.cmake_args = list(cmake_args)
         self.src = os.path.join(work, "suites", name, "src")
         self.build = os.path.join(work, "suites", name, "build")
         self.source, self.pending = source, None   # pending: (path, original text)
@@ -316,6 +317,7 @@ class Suite:
                "-DTSXML_BUILD_TESTS=ON", "-DCMAKE_CXX_COMPILER_LAUNCHER=ccache"]
         cmd += ["-D%s=OFF" % o for o in options if o.endswith(("_EXAMPLES", "_WERROR"))]
         cmd += ["-G", "Ninja"] if self.ninja else []
+        cmd += self.cmake_args  # later -D settings win
         code, out = sh(cmd, env=self.env, timeout=BUILD_TIMEOUT)
         if code != 0:
             sys.exit("[%s] configure failed:\n%s" % (self.name, out[-4000:]))
@@ -440,7 +442,7 @@ def run(args):
     os.makedirs(work, exist_ok=True)
     env = dict(os.environ, CCACHE_DIR=os.path.join(work, "ccache"), CCACHE_BASEDIR=work,
                CCACHE_NOHASHDIR="1", CCACHE_SLOPPINESS="include_file_mtime,include_file_ctime")
-    runners = [Suite(n, t, source, work, env, args.jobs) for n, t in suites]
+    runners = [Suite(n, t, source, work, env, args.jobs, args.cmake_arg) for n, t in suites]
     progress("%d mutants selected, %d to run" % (len(mutants), len(todo)))
     if not todo:
         save(report, args.out)
@@ -541,6 +543,9 @@ def main(argv):
     ru.add_argument("--suite", action="append", required=True, metavar="NAME=TESTS_DIR")
     ru.add_argument("--out", required=True, help="report JSON, rewritten after each mutant")
     ru.add_argument("--jobs", type=int, default=2)
+    ru.add_argument("--cmake-arg", action="append", default=[], metavar="ARG",
+                    help="one more argument for cmake's configure step, e.g. "
+                         "-DCMAKE_CXX_COMPILER=clang++ (repeatable)")
     ru.add_argument("--work", default="/tmp/tsxml-mutation",
                     help="scratch copies, builds and the shared ccache")
     ru.add_argument("--resume", action="store_true", help="keep results already in --out")

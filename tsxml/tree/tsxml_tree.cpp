@@ -26,6 +26,13 @@ void TSXMLTree::SetPMMLOutput(bool on) {
   if (TSXMLTreeImp* imp = imp_.GetImp()) imp->SetPMMLOutputFlag(on);
 }
 
+void TSXMLTree::SetStatXMLOutput(const std::valarray<double>* residuals,
+                                 int lagCount, double confidenceLevel) {
+  if (TSXMLTreeImp* imp = imp_.GetImp()) {
+    imp->SetStatXMLOutputFlag(residuals, lagCount, confidenceLevel);
+  }
+}
+
 void TSXMLTree::SetESPMMLOutputTimeValue(bool on) {
   if (TSXMLTreeImp* imp = imp_.GetImp()) imp->SetESPMMLOutputTimeValue(on);
 }

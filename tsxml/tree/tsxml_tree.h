@@ -11,6 +11,7 @@
 
 #include <iosfwd>
 #include <string>
+#include <valarray>
 
 #include "tsxml/base/dictionary_refs.h"
 #include "tsxml/base/export.h"
@@ -45,9 +46,20 @@ class TSXML_API TSXMLTree {
   // their observed series ("TimeSeries"); on by default.
   void SetESPMMLOutputTimeValue(bool on);
 
+  // Selects StatXML output, for good: each model added from now on replaces
+  // the tree's statistics document by its own (PMML and native adds no
+  // longer happen). `residuals` is the series whose autocorrelations at lags
+  // 1 to `lagCount` the document reports; it is held by pointer and must stay
+  // alive until the last model has been added (null or empty: no
+  // correlations). `confidenceLevel` is a fraction (0.95) for the parameters'
+  // confidence limits and the correlations' bounds.
+  void SetStatXMLOutput(const std::valarray<double>* residuals, int lagCount,
+                        double confidenceLevel);
+
   // Adds a fitted model; false when the references don't fit the model or
   // the model can't be written. A failed add leaves the tree unchanged. In
-  // PMML mode every model is taken (true) and the references aren't checked.
+  // PMML mode every model is taken (true) and the references aren't checked;
+  // in StatXML mode too, except that an empty handle is refused.
   bool AddModelTree(TSFModel model, const TSXDictionaryRefs& refs);
   // Adds a Croston model to the native document whatever the output mode;
   // false, with the tree unchanged, when the references fail (they must name
@@ -64,7 +76,9 @@ class TSXML_API TSXMLTree {
 
   // Writes the whole document; false when there is nothing to write. In PMML
   // mode always true: the document is written also without models, and a
-  // later write repeats it. The stream's state is not examined.
+  // later write repeats it. In StatXML mode the document of the model added
+  // last, repeatable; with no model added, the XML declaration alone and
+  // false. The stream's state is not examined.
   bool WriteToStream(std::ostream& os);
 
  private:

@@ -6,12 +6,20 @@
 
 #include "tsxml/native/native_document.h"
 #include "tsxml/pmml/pmml_document.h"
+#include "tsxml/statxml/statxml_document.h"
 
 TSXMLTreeImp::TSXMLTreeImp()
     : nativeDocument_(std::make_unique<tsxml::TSXNativeDocument>()),
-      pmmlDocument_(std::make_unique<tsxml::TSXPMMLDocument>()) {}
+      pmmlDocument_(std::make_unique<tsxml::TSXPMMLDocument>()),
+      statXMLDocument_(std::make_unique<tsxml::TSXStatXMLDocument>()) {}
 
-TSXMLTreeImp::~TSXMLTreeImp() = default;
+// The native model elements go first, then the StatXML document, then the
+// other members in reverse order.
+TSXMLTreeImp::~TSXMLTreeImp() {
+  nativeDocument_.reset();
+  statXMLDocument_.reset();
+}
+
 void TSXMLTreeImp::SetApplication(std::string name, std::string version,
                                   std::string copyright) {
   if (name.empty()) {
@@ -29,8 +37,14 @@ void TSXMLTreeImp::SetESPMMLOutputTimeValue(bool on) {
   pmmlDocument_->SetESPMMLOutputTimeValue(on);
 }
 
+void TSXMLTreeImp::SetStatXMLOutputFlag(const std::valarray<double>* series,
+                                        int lagCount, double confidenceLevel) {
+  statXMLOutput_ = true;
+  statXMLDocument_->SetOutput(series, lagCount, confidenceLevel);
+}
+
 bool TSXMLTreeImp::AddModelTree(TSFModel model, const TSXDictionaryRefs& refs) {
-  if (statXMLOutput_) return false;
+  if (statXMLOutput_) return AddStatXMLModelTree(model, refs, nullptr);
   if (pmmlOutput_) {
     // Copy-constructed, not assigned: a valarray whose assignment fails to
     // allocate is left broken.
@@ -47,7 +61,7 @@ int TSXMLTreeImp::GetModelCount() const {
 }
 
 bool TSXMLTreeImp::WriteToStream(std::ostream& os, bool complete) {
-  if (statXMLOutput_) return false;
+  if (statXMLOutput_) return WriteStatXMLToStream(os, complete);
   if (pmmlOutput_) return WritePMMLToStream(os, complete);
   return WriteXMLToStream(os, complete);
 }
@@ -64,6 +78,16 @@ bool TSXMLTreeImp::WritePMMLToStream(std::ostream& os, bool complete) {
                                 applicationCopyright_);
   return pmmlDocument_->Write(os, complete,
                               tsxml::MakeDateSpecExtension(dateSpecs_));
+}
+
+bool TSXMLTreeImp::AddStatXMLModelTree(TSFModel& model,
+                                       const TSXDictionaryRefs& refs,
+                                       std::valarray<double>* /*history*/) {
+  return statXMLDocument_->AddModel(model, refs);
+}
+
+bool TSXMLTreeImp::WriteStatXMLToStream(std::ostream& os, bool /*complete*/) {
+  return statXMLDocument_->Write(os);
 }
 
 bool TSXMLTreeImp::AddXMLModelTree(TSFModel& model,

@@ -21,6 +21,7 @@
 namespace tsxml {
 class TSXNativeDocument;
 class TSXPMMLDocument;
+class TSXStatXMLDocument;
 }  // namespace tsxml
 
 // Deleted by the last removeReference (TSXMLTree handles hold references).
@@ -39,10 +40,19 @@ class TSXML_API TSXMLTreeImp : public TSRCObject {
   // on carry their observed series; on by default.
   void SetESPMMLOutputTimeValue(bool on);
 
+  // Selects StatXML mode for good and keeps the three settings for the
+  // models added from now on: the residual series (held by pointer, so it
+  // must outlive the last add; null or empty: no correlations), the number
+  // of lags and the confidence level as a fraction.
+  void SetStatXMLOutputFlag(const std::valarray<double>* series, int lagCount,
+                            double confidenceLevel);
+  bool GetStatXMLOutputFlag() const { return statXMLOutput_; }
+
   // Adds by the mode in force; false, with the tree unchanged, when the
   // model is refused. PMML mode takes every model (true) without checking
-  // the references, and GetModelCount doesn't count it. Models in StatXML
-  // mode are refused until that dialect is built in.
+  // the references, and GetModelCount doesn't count it. StatXML mode
+  // replaces its document by that of the model, without checking the
+  // references either, and refuses only an empty handle.
   bool AddModelTree(TSFModel model, const TSXDictionaryRefs& refs);
   // Adds a Croston model to the native models whatever the mode; PMML and
   // StatXML writes leave it out. False, with the tree unchanged, when the
@@ -63,12 +73,19 @@ class TSXML_API TSXMLTreeImp : public TSRCObject {
   // the declaration only when `complete`. Always true. Repeatable: the tree
   // keeps its models, and a second write gives the same document.
   bool WritePMMLToStream(std::ostream& os, bool complete);
+  // Writes the declaration and the StatXML document of the model added last,
+  // whatever `complete` says; true. Without such a model, the declaration
+  // alone and false. Repeatable.
+  bool WriteStatXMLToStream(std::ostream& os, bool complete);
 
  private:
   bool AddXMLModelTree(TSFModel& model, const TSXDictionaryRefs& refs);
   // Adds to the PMML document; `history` (null: none) is the observed series.
   bool AddPMMLModelTree(TSFModel& model, const TSXDictionaryRefs& refs,
                         std::valarray<double>* history);
+  // Replaces the StatXML document; `history` is not used.
+  bool AddStatXMLModelTree(TSFModel& model, const TSXDictionaryRefs& refs,
+                           std::valarray<double>* history);
   // Marks the date spec entry at `index` (from CheckDictRefs) used when
   // `refs` names one.
   void MarkDateSpecUsed(const TSXDictionaryRefs& refs, unsigned int index);
@@ -84,7 +101,8 @@ class TSXML_API TSXMLTreeImp : public TSRCObject {
   std::string applicationCopyright_;
   bool pmmlOutput_ = false;
   bool statXMLOutput_ = false;
-  std::unique_ptr<tsxml::TSXPMMLDocument> pmmlDocument_;  // never null
+  std::unique_ptr<tsxml::TSXPMMLDocument> pmmlDocument_;        // never null
+  std::unique_ptr<tsxml::TSXStatXMLDocument> statXMLDocument_;  // never null
 };
 
 #endif  // TSXML_TREE_TSXML_TREE_IMP_H
