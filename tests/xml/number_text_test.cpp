@@ -111,6 +111,53 @@ TEST(NumberText, FastRouteMatchesStreamOnAMillionDoubles) {
   }
 }
 
+// Where the text is rounded in integer arithmetic (10^-18 up to 10^15):
+// printf's "%.15g" of random mantissas at every binary exponent there, of
+// values whose 16th digit is an exact 5 (ties, rounded to even), and of each
+// power of ten with its neighbours; WriteGeneral15 writes no more than it
+// returns.
+TEST(NumberText, IntegerRoundingMatchesPrintf) {
+  std::vector<double> values;
+  std::mt19937_64 rng(99);
+  for (int e = -62; e <= 52; ++e) {
+    for (int i = 0; i < 3000; ++i) {
+      values.push_back(std::ldexp(
+          static_cast<double>(rng() >> 11 | std::uint64_t{1} << 52), e - 52));
+    }
+  }
+  // u * 2^-j = u * 5^j * 10^-j: with u odd and u * 5^j of 16 digits, the
+  // 16th digit is a 5 with nothing behind it.
+  for (int j = 1; j <= 22; ++j) {
+    const double five = std::pow(5.0, j);
+    const double low = std::ceil(1e15 / five), high = std::floor(1e16 / five);
+    for (int i = 0; i < 2000 && low < high; ++i) {
+      double u = low + std::floor(static_cast<double>(rng() % (1u << 30)) /
+                                  (1u << 30) * (high - low));
+      if (std::fmod(u, 2.0) == 0.0) u += 1.0;
+      if (u >= 9007199254740992.0) continue;
+      values.push_back(std::ldexp(u, -j));
+    }
+  }
+  for (int e = -19; e <= 16; ++e) {
+    const double p = std::pow(10.0, e);
+    for (double v : {p, std::nextafter(p, 0.0), std::nextafter(p, HUGE_VAL),
+                     p * 0.99999999999999995, p * 9.9999999999999995}) {
+      values.push_back(v);
+    }
+  }
+  for (std::size_t i = 0, n = values.size(); i < n; ++i)
+    values.push_back(-values[i]);
+  for (double value : values) {
+    char expected[64];
+    std::snprintf(expected, sizeof expected, "%.15g", value);
+    char text[tsxml::kGeneral15Capacity + 8];
+    std::memset(text, '#', sizeof text);
+    char* end = tsxml::WriteGeneral15(value, text);
+    ASSERT_EQ(std::string(text, end), expected) << std::hexfloat << value;
+    ASSERT_EQ(*end, '#');
+  }
+}
+
 // In a decimal-comma locale (made by CI with localedef), set for C and C++
 // alike, only the format-string route and the decimal character follow it.
 TEST(NumberTextLocale, DecimalCommaLeavesDefaultRouteAlone) {

@@ -8,6 +8,7 @@
 #include "tsxml/modelapi/estimation_info.h"
 #include "tsxml/modelapi/forecast_state.h"
 #include "tsxml/pmml/pmml_elements.h"
+#include "tsxml/xml/internal/node_writer.h"
 
 namespace tsxml {
 
@@ -84,16 +85,22 @@ const char* SeasonalityType(int type) {
 }
 
 void AddTimeSeries(XMLElement& model, const std::valarray<double>& history) {
-  XMLElement* series = AddChildElement(model, "TimeSeries");
-  series->AddAttribute("usage", "logical");
-  series->AddAttribute("startTime", "1");
-  series->AddAttribute("endTime", static_cast<double>(history.size()));
-  series->AddAttribute("interpolationMethod", "none");
+  XMLElement* series = AddChildElement(model, "TimeSeries", "usage", "logical",
+                                       "startTime", "1");
+  XMLNodeAccess::AddNumberAttribute(*series, "endTime",
+                                    static_cast<double>(history.size()));
+  XMLNodeAccess::AddTextAttribute(*series, "interpolationMethod", "none");
   AddChildElement(*series, "TimeAnchor");
+  // Room for every value first, so that adding one cannot fail. Each
+  // element's attributes grow its block in place, as the last one made.
+  XMLNodeAccess::ReserveChildren(*series, history.size());
   for (size_t i = 0; i < history.size(); ++i) {
-    XMLElement* value = AddChildElement(*series, "TimeValue");
-    value->AddAttribute("index", static_cast<double>(i + 1));
-    value->AddAttribute("value", history[i]);
+    std::unique_ptr<XMLElement> value(
+        XMLNodeAccess::CreateElement("TimeValue"));
+    XMLNodeAccess::AddNumberAttribute(*value, "index",
+                                      static_cast<double>(i + 1));
+    XMLNodeAccess::AddNumberAttribute(*value, "value", history[i]);
+    XMLNodeAccess::AddChild(*series, value.release());
   }
 }
 

@@ -7,6 +7,7 @@
 #include "tsxml/base/vendor.h"
 #include "tsxml/modelapi/outlier_spec.h"
 #include "tsxml/native/model_elements.h"
+#include "tsxml/xml/internal/node_writer.h"
 #include "tsxml/xml/number_text.h"
 
 namespace tsxml {
@@ -14,22 +15,31 @@ namespace tsxml {
 using OstraTimeXML::Format;
 using OstraTimeXML::XMLString;
 
+// The size of the records of those of the five pairs that are written.
+std::size_t PairBytes(std::string_view name, std::string_view value) {
+  return name.empty() || value.empty()
+             ? 0
+             : XMLNodeAccess::AttributeRecordSize(name.size(), value.size());
+}
+
 namespace {
 
 XMLElement* AddRealArray(XMLElement& parent, const double* values,
                          size_t count) {
-  std::unique_ptr<XMLElement> array(XMLElement::Create("Array"));
-  array->AddAttribute("n", static_cast<double>(count));
-  array->AddAttribute("type", "real");
+  std::unique_ptr<XMLElement> array(XMLNodeAccess::CreateElement(
+      "Array", XMLNodeAccess::AttributeRecordSize(1, 20) +
+                   XMLNodeAccess::AttributeRecordSize(4, 4)));
+  XMLNodeAccess::AddNumberAttribute(*array, "n", static_cast<double>(count));
+  XMLNodeAccess::AddTextAttribute(*array, "type", "real");
   AddDoubleListText(*array, values, count);
   XMLElement* result = array.get();
-  parent.AddElement(array.release());
+  XMLNodeAccess::AddChild(parent, array.release());
   return result;
 }
 
-XMLElement* AddArrayElement(XMLElement& parent, std::string elementName,
+XMLElement* AddArrayElement(XMLElement& parent, std::string_view elementName,
                             const double* values, size_t count) {
-  XMLElement* wrapper = AddChildElement(parent, std::move(elementName));
+  XMLElement* wrapper = AddChildElement(parent, elementName);
   AddRealArray(*wrapper, values, count);
   return wrapper;
 }
@@ -44,61 +54,69 @@ std::string PMMLNumberText(double value) {
   return MV::IsMissing(value) ? std::string() : Format(value, false, nullptr);
 }
 
-void AddOptionalAttribute(XMLElement& element, std::string name,
-                          std::string value) {
+void AddOptionalAttribute(XMLElement& element, std::string_view name,
+                          std::string_view value) {
   if (name.empty() || value.empty()) return;
-  element.AddAttribute(name, value);
+  XMLNodeAccess::AddTextAttribute(element, name, value);
 }
 
-void AddIntegerAttribute(XMLElement& element, std::string name, int value) {
-  AddOptionalAttribute(element, std::move(name),
-                       PMMLNumberText(static_cast<double>(value)));
+void AddIntegerAttribute(XMLElement& element, std::string_view name,
+                         int value) {
+  AddDoubleAttribute(element, name, static_cast<double>(value));
 }
 
-void AddDoubleAttribute(XMLElement& element, std::string name, double value) {
-  AddOptionalAttribute(element, std::move(name), PMMLNumberText(value));
+void AddDoubleAttribute(XMLElement& element, std::string_view name,
+                        double value) {
+  if (name.empty() || MV::IsMissing(value)) return;
+  XMLNodeAccess::AddNumberAttribute(element, name, value);
 }
 
-XMLElement* AddChildElement(XMLElement& parent, std::string elementName,
-                            std::string name1, std::string value1,
-                            std::string name2, std::string value2,
-                            std::string name3, std::string value3,
-                            std::string name4, std::string value4,
-                            std::string name5, std::string value5) {
-  std::unique_ptr<XMLElement> child(XMLElement::Create(elementName));
-  AddOptionalAttribute(*child, std::move(name1), std::move(value1));
-  AddOptionalAttribute(*child, std::move(name2), std::move(value2));
-  AddOptionalAttribute(*child, std::move(name3), std::move(value3));
-  AddOptionalAttribute(*child, std::move(name4), std::move(value4));
-  AddOptionalAttribute(*child, std::move(name5), std::move(value5));
+XMLElement* AddChildElement(XMLElement& parent, std::string_view elementName,
+                            std::string_view name1, std::string_view value1,
+                            std::string_view name2, std::string_view value2,
+                            std::string_view name3, std::string_view value3,
+                            std::string_view name4, std::string_view value4,
+                            std::string_view name5, std::string_view value5) {
+  std::unique_ptr<XMLElement> child(XMLNodeAccess::CreateElement(
+      elementName, PairBytes(name1, value1) + PairBytes(name2, value2) +
+                       PairBytes(name3, value3) + PairBytes(name4, value4) +
+                       PairBytes(name5, value5)));
+  AddOptionalAttribute(*child, name1, value1);
+  AddOptionalAttribute(*child, name2, value2);
+  AddOptionalAttribute(*child, name3, value3);
+  AddOptionalAttribute(*child, name4, value4);
+  AddOptionalAttribute(*child, name5, value5);
   XMLElement* result = child.get();
-  parent.AddElement(child.release());
+  XMLNodeAccess::AddChild(parent, child.release());
   return result;
 }
 
-void AddMiningField(XMLElement& parent, std::string name,
-                    std::string usageType) {
-  XMLElement* field = AddChildElement(parent, "MiningField");
-  AddOptionalAttribute(*field, "name", std::move(name));
-  AddOptionalAttribute(*field, "usageType", std::move(usageType));
+void AddMiningField(XMLElement& parent, std::string_view name,
+                    std::string_view usageType) {
+  AddChildElement(parent, "MiningField", "name", name, "usageType", usageType);
 }
 
-void AddDataField(XMLElement& parent, std::string name) {
+void AddDataField(XMLElement& parent, std::string_view name) {
   AddChildElement(parent, "DataField", "dataType", "double", "optype",
                   "continuous", "name", name, "displayName", name);
 }
 
-void AddValueExtension(XMLElement& parent, std::string name, double value) {
-  std::unique_ptr<XMLElement> extension(XMLElement::Create("Extension"));
-  extension->AddAttribute("extender", kExtenderText);
-  extension->AddAttribute("name", name);
-  extension->AddAttribute("value", value);
-  parent.AddElement(extension.release());
+void AddValueExtension(XMLElement& parent, std::string_view name,
+                       double value) {
+  std::unique_ptr<XMLElement> extension(XMLNodeAccess::CreateElement(
+      "Extension",
+      XMLNodeAccess::AttributeRecordSize(8, sizeof kExtenderText - 1) +
+          XMLNodeAccess::AttributeRecordSize(4, name.size()) +
+          XMLNodeAccess::AttributeRecordSize(5, 20)));
+  XMLNodeAccess::AddTextAttribute(*extension, "extender", kExtenderText);
+  XMLNodeAccess::AddTextAttribute(*extension, "name", name);
+  XMLNodeAccess::AddNumberAttribute(*extension, "value", value);
+  XMLNodeAccess::AddChild(parent, extension.release());
 }
 
-XMLElement* AddContainerExtension(XMLElement& parent, std::string name) {
+XMLElement* AddContainerExtension(XMLElement& parent, std::string_view name) {
   return AddChildElement(parent, "Extension", "extender", kExtenderText, "name",
-                         std::move(name));
+                         name);
 }
 
 void AddDoubleListText(XMLElement& element, const double* values,
@@ -119,16 +137,14 @@ XMLElement* AddRealArray(XMLElement& parent,
   return AddRealArray(parent, values.data(), values.size());
 }
 
-XMLElement* AddArrayElement(XMLElement& parent, std::string elementName,
+XMLElement* AddArrayElement(XMLElement& parent, std::string_view elementName,
                             const std::valarray<double>& values) {
-  return AddArrayElement(parent, std::move(elementName), Data(values),
-                         values.size());
+  return AddArrayElement(parent, elementName, Data(values), values.size());
 }
 
-XMLElement* AddArrayElement(XMLElement& parent, std::string elementName,
+XMLElement* AddArrayElement(XMLElement& parent, std::string_view elementName,
                             const std::vector<double>& values) {
-  return AddArrayElement(parent, std::move(elementName), values.data(),
-                         values.size());
+  return AddArrayElement(parent, elementName, values.data(), values.size());
 }
 
 std::string TransformationName(unsigned kind) {

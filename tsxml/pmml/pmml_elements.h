@@ -2,12 +2,14 @@
 // the PMML "Array", the two forms of "Extension", the field elements, and the
 // tables that turn the model library's enumerations into PMML words. Each
 // hangs what it makes under the element it is given, which owns it from then
-// on; none keeps state.
+// on; none keeps state. Names and values are read during the call only, so
+// std::string, literals and views serve alike.
 #ifndef TSXML_PMML_PMML_ELEMENTS_H
 #define TSXML_PMML_PMML_ELEMENTS_H
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <valarray>
 #include <vector>
 
@@ -23,40 +25,42 @@ using OstraTimeXML::XMLElement;
 std::string PMMLNumberText(double value);
 
 // Adds name="value" unless `name` or `value` is empty.
-void AddOptionalAttribute(XMLElement& element, std::string name,
-                          std::string value);
+void AddOptionalAttribute(XMLElement& element, std::string_view name,
+                          std::string_view value);
 
 // Adds the number text of `value`; 0 is written as "0".
-void AddIntegerAttribute(XMLElement& element, std::string name, int value);
+void AddIntegerAttribute(XMLElement& element, std::string_view name, int value);
 
 // Adds the number text of `value`; nothing for the missing value.
-void AddDoubleAttribute(XMLElement& element, std::string name, double value);
+void AddDoubleAttribute(XMLElement& element, std::string_view name,
+                        double value);
 
 // Adds element `elementName` to `parent` with those of the five pairs whose
 // name and value are both not empty, in order. Returns the new element, which
 // `parent` owns.
-XMLElement* AddChildElement(XMLElement& parent, std::string elementName,
-                            std::string name1 = "", std::string value1 = "",
-                            std::string name2 = "", std::string value2 = "",
-                            std::string name3 = "", std::string value3 = "",
-                            std::string name4 = "", std::string value4 = "",
-                            std::string name5 = "", std::string value5 = "");
+XMLElement* AddChildElement(
+    XMLElement& parent, std::string_view elementName,
+    std::string_view name1 = {}, std::string_view value1 = {},
+    std::string_view name2 = {}, std::string_view value2 = {},
+    std::string_view name3 = {}, std::string_view value3 = {},
+    std::string_view name4 = {}, std::string_view value4 = {},
+    std::string_view name5 = {}, std::string_view value5 = {});
 
 // Adds "MiningField" with "name" and "usageType", each unless empty.
-void AddMiningField(XMLElement& parent, std::string name,
-                    std::string usageType);
+void AddMiningField(XMLElement& parent, std::string_view name,
+                    std::string_view usageType);
 
 // Adds a continuous "DataField" of type double; "name" and "displayName" are
 // left out when `name` is empty.
-void AddDataField(XMLElement& parent, std::string name);
+void AddDataField(XMLElement& parent, std::string_view name);
 
 // Adds "Extension" with "extender", "name" (even if empty) and "value", the
 // number text of `value` (also for the missing value).
-void AddValueExtension(XMLElement& parent, std::string name, double value);
+void AddValueExtension(XMLElement& parent, std::string_view name, double value);
 
 // Adds "Extension" with "extender" and, unless empty, "name". Returns it for
 // the caller to fill; `parent` owns it.
-XMLElement* AddContainerExtension(XMLElement& parent, std::string name);
+XMLElement* AddContainerExtension(XMLElement& parent, std::string_view name);
 
 // Adds one text node with the blank-separated values: "NaN" for a missing
 // value, the number text otherwise (infinities are not replaced). Nothing for
@@ -71,9 +75,9 @@ XMLElement* AddRealArray(XMLElement& parent, const std::vector<double>& values);
 
 // Adds element `elementName` holding one AddRealArray of `values`. Returns
 // the wrapper; `parent` owns it.
-XMLElement* AddArrayElement(XMLElement& parent, std::string elementName,
+XMLElement* AddArrayElement(XMLElement& parent, std::string_view elementName,
                             const std::valarray<double>& values);
-XMLElement* AddArrayElement(XMLElement& parent, std::string elementName,
+XMLElement* AddArrayElement(XMLElement& parent, std::string_view elementName,
                             const std::vector<double>& values);
 
 // "logarithmic" for 1, "squareroot" for 2, "none" for any other kind.

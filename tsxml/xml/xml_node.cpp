@@ -1,13 +1,14 @@
 #include "tsxml/xml/xml_node.h"
 
 #include <climits>
+#include <cstring>
 #include <memory>
 #include <ostream>
 #include <utility>
-#include <vector>
 
 #include "tsxml/xml/internal/document_output.h"
 #include "tsxml/xml/internal/narrow_to_utf8.h"
+#include "tsxml/xml/internal/node_pool.h"
 #include "tsxml/xml/internal/node_writer.h"
 #include "tsxml/xml/internal/output_buffer.h"
 #include "tsxml/xml/number_text.h"
@@ -15,23 +16,13 @@
 namespace OstraTimeXML {
 namespace {
 
+using tsxml::NodePool;
 using tsxml::OutputBuffer;
 using tsxml::XMLNodeAccess;
 
 int ClampedSize(std::size_t size) {
   return size > static_cast<std::size_t>(INT_MAX) ? INT_MAX
                                                   : static_cast<int>(size);
-}
-
-// Appends `node` to `nodes`, which owns it from here on even when growing the
-// vector throws (then `node` is deleted and `nodes` unchanged). Returns the
-// new count.
-template <typename Node, typename Added>
-int AppendOwned(std::vector<Node*>& nodes, Added* node) {
-  std::unique_ptr<Node> owned(node);
-  nodes.push_back(owned.get());
-  owned.release();
-  return ClampedSize(nodes.size());
 }
 
 // Runs `write` on a buffer that appends to `out`.
@@ -110,16 +101,39 @@ int XMLAttribute::ToStream(std::ostream& os, ExportFormat&, bool utf8) const {
 
 // XMLString
 
-XMLString::XMLString(const std::string& text) : text_(text) {}
+XMLString::XMLString(char* text, std::size_t size,
+                     std::size_t capacity) noexcept
+    : text_(text), size_(size), capacity_(capacity) {}
 
 XMLString* XMLString::Create(const std::string& text) {
-  return new XMLString(text);
+  return XMLNodeAccess::CreateText(text);
+}
+
+XMLString::~XMLString() {
+  if (text_ != reinterpret_cast<char*>(this + 1)) NodePool::Free(text_);
 }
 
 XMLString& XMLString::operator=(const XMLString& other) {
-  text_ = other.text_;
+  if (this == &other) return *this;
+  if (other.size_ <= capacity_) {
+    if (other.size_ != 0) std::memcpy(text_, other.text_, other.size_);
+    size_ = other.size_;
+    return *this;
+  }
+  char* text = static_cast<char*>(NodePool::Allocate(other.size_));
+  std::memcpy(text, other.text_, other.size_);
+  if (text_ != reinterpret_cast<char*>(this + 1)) NodePool::Free(text_);
+  text_ = text;
+  size_ = other.size_;
+  capacity_ = NodePool::RoundUp(other.size_);
   return *this;
 }
+
+void* XMLString::operator new(std::size_t size) {
+  return NodePool::AllocateAligned16(size);
+}
+
+void XMLString::operator delete(void* block) noexcept { NodePool::Free(block); }
 
 int XMLString::ToString(std::string& out, ExportFormat& format) const {
   return WriteToString(out, [this, &format](OutputBuffer& buffer) {
@@ -177,13 +191,36 @@ int XMLDocType::ToStream(std::ostream& os, ExportFormat&, bool utf8) const {
 
 // XMLElement
 
-XMLElement::XMLElement(const std::string& name) : name_(name) {}
+XMLElement::XMLElement(const std::string& name) {
+  if (name.size() > SIZE_MAX / 4) throw std::bad_alloc();
+  text_ = static_cast<char*>(NodePool::Allocate(name.size()));
+  if (!name.empty()) std::memcpy(text_, name.data(), name.size());
+  textSize_ = nameSize_ = name.size();
+  textCapacity_ = NodePool::RoundUp(name.size());
+}
+
+XMLElement::XMLElement(std::string_view name, std::size_t room) noexcept
+    : text_(reinterpret_cast<char*>(this + 1)),
+      textSize_(name.size()),
+      textCapacity_(room),
+      nameSize_(name.size()),
+      flags_(1 | 2) {  // made by Create, its text behind it
+  if (!name.empty()) std::memcpy(text_, name.data(), name.size());
+}
 
 XMLElement* XMLElement::Create(const std::string& name) {
-  return new XMLElement(name);
+  return XMLNodeAccess::CreateElement(name);
 }
 
 XMLElement::~XMLElement() { XMLNodeAccess::DeleteContents(*this); }
+
+void* XMLElement::operator new(std::size_t size) {
+  return NodePool::AllocateAligned16(size);
+}
+
+void XMLElement::operator delete(void* block) noexcept {
+  NodePool::Free(block);
+}
 
 int XMLElement::ToString(std::string& out, ExportFormat& format) const {
   return WriteToString(out, [this, &format](OutputBuffer& buffer) {
@@ -199,24 +236,26 @@ int XMLElement::ToStream(std::ostream& os, ExportFormat& format,
 }
 
 int XMLElement::AddElement(XMLString* child) {
-  return AppendOwned(children_, child);
+  return XMLNodeAccess::AppendChild(*this, child);
 }
 
 int XMLElement::AddElement(XMLElement* child) {
-  return AppendOwned(children_, child);
+  return XMLNodeAccess::AppendChild(*this, child);
 }
 
 void XMLElement::AddAttribute(XMLAttribute* attribute) {
-  AppendOwned(attributes_, attribute);
+  std::unique_ptr<XMLAttribute> owned(attribute);
+  XMLNodeAccess::AppendObjectRecord(*this, attribute);
+  owned.release();
 }
 
 void XMLElement::AddAttribute(const std::string& name,
                               const std::string& value) {
-  AddAttribute(XMLAttribute::Create(name, value));
+  XMLNodeAccess::AddTextAttribute(*this, name, value);
 }
 
 void XMLElement::AddAttribute(const std::string& name, double value) {
-  AddAttribute(XMLAttribute::Create(name, value));
+  XMLNodeAccess::AddNumberAttribute(*this, name, value);
 }
 
 // Free functions

@@ -6,9 +6,11 @@
 #ifndef TSXML_XML_XML_NODE_H
 #define TSXML_XML_XML_NODE_H
 
+#include <cstddef>
+#include <cstdint>
 #include <iosfwd>
 #include <string>
-#include <vector>
+#include <string_view>
 
 #include "tsxml/base/export.h"
 
@@ -90,18 +92,28 @@ class TSXML_API XMLString : public XMLInterface {
  public:
   // Caller owns the result.
   static XMLString* Create(const std::string& text);
+  ~XMLString() override;
 
+  // Strong guarantee: on an allocation failure the text stays as it was.
   XMLString& operator=(const XMLString& other);
 
   int ToString(std::string& out, ExportFormat& format) const override;
   int ToStream(std::ostream& os, ExportFormat& format,
                bool utf8) const override;
 
+  // Text nodes live in the node pool's memory (see XMLElement).
+  static void* operator new(std::size_t size);
+  static void operator delete(void* block) noexcept;
+
  private:
-  explicit XMLString(const std::string& text);
+  XMLString(char* text, std::size_t size, std::size_t capacity) noexcept;
   friend struct tsxml::XMLNodeAccess;
 
-  std::string text_;
+  // The text: in the room behind the node that Create made for it, or, after
+  // an assignment of a longer text, in a block of its own.
+  char* text_;
+  std::size_t size_;
+  std::size_t capacity_;
 };
 
 // The XML declaration and a document type declaration. Not part of a tree:
@@ -140,6 +152,10 @@ class TSXML_API XMLDocType : public XMLInterface {
 // Writing and deleting loop over plain elements without recursion, so trees
 // of any depth are fine; a host subclass child writes itself through its own
 // virtual ToString or ToStream.
+//
+// Elements and their text are held in memory of the library's node pool
+// (xml/internal/node_pool.h), which the class's operator new and delete
+// reach: a subclass allocated with new is freed by delete as usual.
 class TSXML_API XMLElement : public XMLInterface {
  public:
   // Caller owns the result.
@@ -163,15 +179,30 @@ class TSXML_API XMLElement : public XMLInterface {
   void AddAttribute(const std::string& name, const std::string& value);
   void AddAttribute(const std::string& name, double value);
 
+  static void* operator new(std::size_t size);
+  static void operator delete(void* block) noexcept;
+
  protected:
   explicit XMLElement(const std::string& name);
 
  private:
+  // For Create: the name and `room` further bytes are in the memory behind
+  // the element.
+  XMLElement(std::string_view name, std::size_t room) noexcept;
   friend struct tsxml::XMLNodeAccess;
 
-  std::vector<XMLAttribute*> attributes_;
-  std::string name_;
-  std::vector<XMLInterface*> children_;
+  // The name, then one record per attribute (node_writer.h tells their
+  // form): in the room behind the element that Create made, or in a block
+  // of its own.
+  char* text_ = nullptr;
+  std::size_t textSize_ = 0;
+  std::size_t textCapacity_ = 0;
+  std::size_t nameSize_ = 0;
+  // The children, each a pointer with its lowest bit set for a text node, in
+  // a block that begins with its capacity.
+  std::uintptr_t* children_ = nullptr;
+  std::size_t childCount_ = 0;
+  std::uint32_t flags_ = 0;
 };
 
 // Puts the bytes of `text` to `os` unchanged. Returns 0.

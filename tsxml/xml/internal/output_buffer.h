@@ -44,6 +44,14 @@ class OutputBuffer {
   // `count` tab characters, none when `count` is below 1.
   void PutTabs(int count);
 
+  // Direct writing: Claim makes room for `size` bytes and returns where they
+  // go; Commit takes the bytes up to `end` in. Nothing else may come between.
+  char* Claim(std::size_t size) {
+    if (size > static_cast<std::size_t>(end_ - cur_)) Reserve(size);
+    return cur_;
+  }
+  void Commit(char* end) { cur_ = end; }
+
   // Marks the end of a piece: in UTF-8 mode the bytes since the last mark are
   // converted (and dropped when they do not convert).
   void EndPiece() {
