@@ -278,6 +278,8 @@ TEST(PMMLDocumentTest, ARIMAFormListsPredictorsAndDropsTheDateSpecifications) {
   EXPECT_TRUE(
       document.AddModel(TSFModel(), TSXDictionaryRefs("E", "", "e"), {}));
   EXPECT_EQ(Bare(document), Doc("pmml_arima_empty"));
+  // An ARIMA model adds its element, with a field for each predictor that
+  // the references name (here more than the model has).
   const TSFModel arima(
       new TSFModelImp(std::make_unique<ARMACLSForecastState>(AMModelSpec()),
                       testing_support::BasicInfo()));
