@@ -8,6 +8,7 @@
 #include <sstream>
 #include <string>
 
+#include "pmml/arima_test_models.h"
 #include "pmml/pmml_test_util.h"
 #include "support/arima_fixtures.h"
 #include "support/date_spec_fixtures.h"
@@ -177,6 +178,7 @@ TEST(TreeHandleTest, CopiesShareOneTreeAndNullAnswersFalse) {
   nullCopy = null;
   null.SetApplication("a", "b", "c");
   null.SetESPMMLOutputTimeValue(false);
+  null.SetPMMLConsistent(true);
   EXPECT_EQ(null.AddDateSpec(MonthlyDateSpec(2001), "d"), 0);
   EXPECT_FALSE(null.AddModelTree(MakeSimpleModel(), kRefs));
   EXPECT_FALSE(null.AddModelTree(MakeCrostonModel(), kRefs));
@@ -368,6 +370,89 @@ TEST(PMMLTreeTest, EveryDateSpecificationAndTheTimeFieldOfTheLastRegistered) {
   // the time field again.
   EXPECT_EQ(tree.AddDateSpec(MonthlyDateSpec(2001, 2), "again"), 1);
   EXPECT_EQ(Write(tree), Doc("pmml_monthly_again"));
+}
+
+// The DataDictionary of `document`, from its line to its closing tag.
+std::string Dictionary(const std::string& document) {
+  const size_t begin = document.find("\n\t<DataDictionary");
+  const std::string end = "</DataDictionary>";
+  const size_t last = document.find(end);
+  if (begin == std::string::npos || last == std::string::npos) return "";
+  return document.substr(begin, last + end.size() - begin);
+}
+
+// A continuous DataField at two tabs, as a line of Lines().
+std::string DataField(const std::string& name, const char* type = "double") {
+  return "\t\t<DataField\n\t\t\tdataType=\"" + std::string(type) +
+         "\"\n\t\t\toptype=\"continuous\"\n\t\t\tname=\"" + name +
+         "\"\n\t\t\tdisplayName=\"" + name + "\"/>";
+}
+
+// The document of a PMML tree with a monthly date specification, a
+// smoothing model and the seasonal ARIMA model, the ARIMA model last or
+// first; SetPMMLConsistent is called with each of `consistent` in turn.
+std::string MixedDocument(bool arimaLast,
+                          std::initializer_list<bool> consistent) {
+  TSXMLTree tree;
+  tree.SetPMMLOutput(true);
+  for (const bool on : consistent) tree.SetPMMLConsistent(on);
+  tree.AddDateSpec(MonthlyDateSpec(2001, 2), "m");
+  const TSFModel arima = pmml_test::MakeSeasonalKalmanModel();
+  const TSFModel simple = MakeTypeModel(ESModelSpec::ESSimple);
+  if (arimaLast) {
+    tree.AddModelTree(simple, TSXDictionaryRefs("A", "", "sales"));
+    tree.AddModelTree(arima,
+                      TSXDictionaryRefs("B", "", "visits", {"price", "sales"}));
+  } else {
+    tree.AddModelTree(arima, TSXDictionaryRefs("B", "", "", {"x"}));
+    tree.AddModelTree(simple, TSXDictionaryRefs("A", "", "y"));
+  }
+  return Write(tree);
+}
+
+// With SetPMMLConsistent, DataDictionary defines every field that a
+// MiningField names: the fields of the default form first (here of an ARIMA
+// model, then of a smoothing model with the date specification), then those
+// of the other models, each once; an empty name is a field too. Turned off
+// again, the tree writes the default document.
+TEST(PMMLTreeTest, ConsistentDictionaryDefinesEveryMiningField) {
+  EXPECT_EQ(Dictionary(MixedDocument(true, {true})),
+            testing_support::Lines({
+                "\t<DataDictionary",
+                "\t\tnumberOfFields=\"4\">",
+                DataField("visits"),
+                DataField("price"),
+                DataField("sales"),
+                DataField("Month", "date"),
+                "\t</DataDictionary>",
+            }));
+  EXPECT_EQ(Dictionary(MixedDocument(false, {true})),
+            testing_support::Lines({
+                "\t<DataDictionary",
+                "\t\tnumberOfFields=\"4\">",
+                "\t\t<Extension>",
+                "\t\t\t<DateSpecification",
+                "\t\t\t\tdateSpecID=\"1\"",
+                "\t\t\t\tdateSpecDescriptor=\"m\">",
+                "\t\t\t\t<Periods>",
+                "\t\t\t\t\t<Year",
+                "\t\t\t\t\t\tfirstCaseIndex=\"2001\"/>",
+                "\t\t\t\t\t<Month",
+                "\t\t\t\t\t\tcycleLength=\"12\"",
+                "\t\t\t\t\t\tfirstCaseIndex=\"2\"/>",
+                "\t\t\t\t</Periods>",
+                "\t\t\t</DateSpecification>",
+                "\t\t</Extension>",
+                DataField("y"),
+                DataField("Month", "date"),
+                DataField(""),
+                DataField("x"),
+                "\t</DataDictionary>",
+            }));
+  for (const bool arimaLast : {true, false}) {
+    EXPECT_EQ(MixedDocument(arimaLast, {true, false}),
+              MixedDocument(arimaLast, {}));
+  }
 }
 
 }  // namespace
