@@ -242,7 +242,9 @@ void TSXParameterTable::FillARIMA(const TSFModel& model) {
   finalPredictedZ = state->GetPredZ();
   if (finalZ.size() > 0 && finalPredictedZ.size() > 0) zStateField = targetName;
   if (kalman) {
-    finalOmega = kalman->GetFinalOmega();
+    // Copied, then moved in: a copy assignment whose allocation fails leaves
+    // the matrix's valarray pointing at memory it has freed.
+    finalOmega = DSymMat(kalman->GetFinalOmega());
     finalStateVector = kalman->GetFinalStateV();
   } else if (const auto* cls =
                  dynamic_cast<const ARMACLSForecastState*>(state)) {
