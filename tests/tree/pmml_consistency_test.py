@@ -117,14 +117,6 @@ class ConsistentDocumentsTest(unittest.TestCase):
         self.assertTrue(found("arima_no_dependent", "MiningField without"))
         self.assertTrue(found("arima_no_dependent", "DataField without"))
 
-    def test_number_spellings(self):
-        for good in ("0", "-1.5", "1e-05", "1.79769313486231e+308", "INF",
-                     "-INF", "NaN", ".5", "3."):
-            self.assertIsNone(number_problem(good), good)
-        for bad in ("inf", "-nan", "+INF", "Infinity", "1.79769313486232e+308",
-                    "-1.79769313486232e+308", "1,5"):
-            self.assertIsNotNone(number_problem(bad), bad)
-
 
 if __name__ == "__main__":
     unittest.main(argv=sys.argv[:1])

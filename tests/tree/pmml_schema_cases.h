@@ -1,18 +1,19 @@
 // The PMML documents of the schema tests: every smoothing type, ARIMA models
-// with each state, with and without predictors and outliers, models of both
-// kinds in one document, missing and odd values, and documents of generated
-// ARIMA models. Each case says why its default form falls outside the PMML
-// schema, if it does; its consistent form never does. Shared by the schema
-// test and by the program that writes the documents for the consistency
-// test.
+// of each state, both kinds in one document, missing and odd values, empty
+// names, and documents of generated ARIMA models. A case says why its
+// default form falls outside the PMML schema, if it does; its consistent
+// form never does. Shared by the schema test and by the program that writes
+// the documents for the consistency test.
 #ifndef TSXML_TESTS_TREE_PMML_SCHEMA_CASES_H
 #define TSXML_TESTS_TREE_PMML_SCHEMA_CASES_H
 
 #include <functional>
 #include <limits>
+#include <memory>
 #include <random>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <valarray>
 #include <vector>
 
@@ -20,25 +21,19 @@
 #include "pmml/pmml_test_util.h"
 #include "support/arima_fixtures.h"
 #include "support/date_spec_fixtures.h"
-#include "support/model_fixtures.h"
-#include "tsxml/datespec/date_spec.h"
-#include "tsxml/modelapi/forecast_model.h"
 #include "tsxml/tree/tsxml_tree.h"
 
 namespace pmml_cases {
 
+using Fill = std::function<void(TSXMLTree&)>;
+
 struct Case {
-  std::string name;  // letters, digits and "_": a file name
-  // Registers date specifications and adds the models.
-  std::function<void(TSXMLTree&)> fill;
-  // Why the default form is outside the schema; empty when it is inside.
-  std::string outsideReason;
-  // A text that the default form holds, to show that the case is what its
-  // name says.
-  std::string holds;
+  std::string name;           // letters, digits and "_": a file name
+  Fill fill;                  // registers date specifications, adds models
+  std::string outsideReason;  // empty: the default form is inside
+  std::string holds;  // a text of the default form: the case is what it says
 };
 
-// The document of `c` in the consistent or the default form.
 inline std::string WriteCase(const Case& c, bool consistent) {
   TSXMLTree tree;
   tree.SetPMMLOutput(true);
@@ -54,32 +49,25 @@ inline const char* const kTypeNames[kTypeCount] = {
     "ESAdditiveWinters",       "ESBrown",          "ESDampedTrend", "ESHolt",
     "ESMultiplicativeWinters", "ESSimpleSeasonal", "ESSimple"};
 
-inline bool HasTrend(int type) {
-  return type != ESModelSpec::ESSimpleSeasonal && type != ESModelSpec::ESSimple;
-}
-
-// Registers three date specifications: years and months from March 2001, a
-// five-day week with a gap and a first case day, and hours of the day (the
-// last one sets the time field, of type "time").
+// Years and months from March 2001, a five-day week with a gap and a first
+// case day, and hours of the day (the last sets the time field, "time").
 inline void AddDateSpecs(TSXMLTree& tree) {
   tree.AddDateSpec(testing_support::MonthlyDateSpec(2001, 2), "monthly & more");
-
   TSXDateSpec days(TSXDateSpec::Week);
   days.AddPeriod(TSXDateSpec::Day, 7, 0, 5);
   days.AddGap(3);
   days.SetFirstCaseDay(5, 3, 2024);
   tree.AddDateSpec(days, "");
-
   TSXDateSpec hours(TSXDateSpec::Day);
   hours.AddPeriod(TSXDateSpec::Hour, 24, 0, 0);
   hours.SetLowestIncrement(2);
   tree.AddDateSpec(hours, "every other hour");
 }
 
-// The smoothing models of `types`, each on its own variable.
-inline std::function<void(TSXMLTree&)> Smoothing(
-    std::vector<int> types, pmml_test::ModelOptions options = {},
-    bool timeSeries = true, bool dateSpecs = true) {
+// The smoothing models of `types`, each named by its type, on "y".
+inline Fill Smoothing(std::vector<int> types,
+                      pmml_test::ModelOptions options = {},
+                      bool timeSeries = true, bool dateSpecs = true) {
   return [=](TSXMLTree& tree) {
     tree.SetESPMMLOutputTimeValue(timeSeries);
     if (dateSpecs) AddDateSpecs(tree);
@@ -90,83 +78,25 @@ inline std::function<void(TSXMLTree&)> Smoothing(
   };
 }
 
-// The three classes of ARIMA state.
-enum class StateKind { kKalman, kLeastSquares, kThetaRecursion };
-
-// An ARIMA(1,1,1)(0,1,1) model with season 4 and a constant, with each list
-// of the state of `kind` filled; with a predictor (numerator lags 0 and 1,
-// denominator lag 1, a history) and with outliers of types 1 to 7 when asked.
-inline TSFModel StateModel(StateKind kind, bool predictor, bool outliers) {
-  AMModelSpec spec;
-  spec.SetSeasonLength(4);
-  spec.SetYDiff(1, 1);
-  spec.SetMeanYPresent(true);
-  spec.SetARStruct({1}, {});
-  spec.SetMAStruct({1}, {1});
-  if (predictor) {
-    AMPredictorSpec x;
-    x.numeratorNonSeasonal = {1};
-    x.denominatorNonSeasonal = {1};
-    spec.AddPredictor(x);
-  }
-  if (outliers) {
-    TSOutlierSpecList list;
-    for (uint32_t type = 1; type <= 7; ++type) {
-      list.Add(TSOutlierSpec(type, 10 * type));
-    }
-    spec.SetOutliers(list);
-  }
-  const std::valarray<double> estimates =
-      testing_support::Sequence(spec.GetParameterCount(true), 0.5, 0.125);
-  EstimationInfo info = testing_support::BasicInfo(0, 48, 40, 0.5);
-  info.SetGOFStat(BFSharedConst::RMSE, 0.75);
-  const auto common = [predictor](ARMAForecastState& state) {
-    state.SetStateSpan(TSSpan(0, 48, 1));
-    state.SetActualZ({0.5, -0.25});
-    state.SetPredZ({0.25, -0.125});
-    if (predictor) state.SetXHistory(0, {1, 2}, {0.5, 1});
+// `models` with their references, in order.
+inline Fill Models(std::vector<std::pair<TSFModel, TSXDictionaryRefs>> models) {
+  return [models](TSXMLTree& tree) {
+    for (const auto& [model, refs] : models) tree.AddModelTree(model, refs);
   };
-  switch (kind) {
-    case StateKind::kKalman:
-      return pmml_test::MakeARIMAModel<ARMAMLForecastState>(
-          spec, estimates, info, [&](ARMAMLForecastState& state) {
-            common(state);
-            state.SetFinalOmega(DSymMat(2, {1, 0.5, 2}));
-            state.SetFinalStateV({0.25, 0.125});
-          });
-    case StateKind::kLeastSquares:
-      return pmml_test::MakeARIMAModel<ARMACLSForecastState>(
-          spec, estimates, info, [&](ARMACLSForecastState& state) {
-            common(state);
-            state.SetActualN({0.1, -0.2});
-            state.SetPredN({0.05, 0.15});
-          });
-    case StateKind::kThetaRecursion:
-      break;
-  }
-  return pmml_test::MakeARIMAModel<ARMAMLSpForecastState>(
-      spec, estimates, info, [&](ARMAMLSpForecastState& state) {
-        common(state);
-        state.SetActualN({0.1, -0.2});
-        state.SetPredN({0.05, 0.15});
-        state.SetFinalThetas({{0.5, 0.25}, {0.125}});
-        state.SetFinalNu({1.5, 1.25});
-        state.SetFinalIterCount(3);
-      });
 }
 
-// Generated ARIMA models and their references. Values are finite mostly, and
-// otherwise missing, infinite or NaN; names are empty now and then.
+// ARIMA models of random structure and state. Values are mostly finite,
+// otherwise missing, infinite, NaN or the largest double; one name in eight
+// is empty, and now and then the references name fewer predictors than the
+// model has or the estimates are too few for the structure.
 class ModelGenerator {
  public:
   explicit ModelGenerator(unsigned seed) : random_(seed) {}
 
-  // A model of random structure and state, and references that name its
-  // dependent variable and some or all of its predictors. `unnamed` is set
-  // when a name is empty.
-  TSFModel Next(TSXDictionaryRefs& refs, bool& unnamed) {
+  // A model and its references; `unnamed` tells whether a name is empty.
+  std::pair<TSFModel, TSXDictionaryRefs> Next(bool& unnamed) {
     AMModelSpec spec;
-    spec.SetSeasonLength(Pick({1u, 4u, 12u}));
+    spec.SetSeasonLength(1 + 3 * Below(5));
     spec.SetYTransformSpec(TSTransformSpec(Below(3)));
     spec.SetYDiff(Below(3), Below(2));
     spec.SetMeanYPresent(Below(2) == 1);
@@ -190,76 +120,59 @@ class ModelGenerator {
       outliers.Add(TSOutlierSpec(Below(9), Below(100)));
     }
     spec.SetOutliers(outliers);
-
-    // Now and then a parameter vector too short for the layout.
     const unsigned count = spec.GetParameterCount(true);
     const std::valarray<double> estimates =
         Values(Below(6) == 0 ? Below(count + 1) : count);
+
+    std::unique_ptr<ARMAForecastState> state;
+    if (const unsigned kind = Below(3); kind == 0) {
+      auto kalman =
+          std::make_unique<ARMAMLForecastState>(spec, estimates, estimates);
+      const unsigned n = Below(4);
+      kalman->SetFinalOmega(DSymMat(n, Values(n * (n + 1) / 2)));
+      kalman->SetFinalStateV(Values(n));
+      state = std::move(kalman);
+    } else if (kind == 1) {
+      auto cls =
+          std::make_unique<ARMACLSForecastState>(spec, estimates, estimates);
+      cls->SetActualN(Values(Below(3)));
+      cls->SetPredN(Values(Below(3)));
+      state = std::move(cls);
+    } else {
+      auto theta =
+          std::make_unique<ARMAMLSpForecastState>(spec, estimates, estimates);
+      theta->SetActualN(Values(Below(3)));
+      theta->SetPredN(Values(Below(3)));
+      std::vector<std::vector<double>> thetas(Below(3));
+      for (std::vector<double>& values : thetas) values = Vector(1 + Below(3));
+      theta->SetFinalThetas(thetas);
+      theta->SetFinalNu(Vector(Below(3)));
+      theta->SetFinalIterCount(Below(20));
+      state = std::move(theta);
+    }
+    state->SetStateSpan(TSSpan(0, 60, Below(3)));
+    state->SetActualZ(Values(Below(3)));
+    state->SetPredZ(Values(Below(3)));
+    for (unsigned i = 0; i < predictors; ++i) {
+      if (Below(3) != 0) state->SetXHistory(i, Values(2), Values(2));
+    }
     EstimationInfo info = testing_support::BasicInfo(Below(10), 20 + Below(100),
                                                      Below(80), Value());
     info.SetGOFStat(BFSharedConst::RMSE, Value());
 
-    const auto common = [this, predictors](ARMAForecastState& state) {
-      state.SetStateSpan(TSSpan(0, 60, Below(3)));
-      state.SetActualZ(Values(Below(3)));
-      state.SetPredZ(Values(Below(3)));
-      for (unsigned i = 0; i < predictors; ++i) {
-        if (Below(3) != 0) state.SetXHistory(i, Values(2), Values(2));
-      }
-    };
-    TSFModel model;
-    switch (Below(3)) {
-      case 0:
-        model = pmml_test::MakeARIMAModel<ARMAMLForecastState>(
-            spec, estimates, info, [&](ARMAMLForecastState& state) {
-              common(state);
-              const unsigned n = Below(4);
-              state.SetFinalOmega(DSymMat(n, Values(n * (n + 1) / 2)));
-              state.SetFinalStateV(Values(n));
-            });
-        break;
-      case 1:
-        model = pmml_test::MakeARIMAModel<ARMACLSForecastState>(
-            spec, estimates, info, [&](ARMACLSForecastState& state) {
-              common(state);
-              state.SetActualN(Values(Below(3)));
-              state.SetPredN(Values(Below(3)));
-            });
-        break;
-      default:
-        model = pmml_test::MakeARIMAModel<ARMAMLSpForecastState>(
-            spec, estimates, info, [&](ARMAMLSpForecastState& state) {
-              common(state);
-              state.SetActualN(Values(Below(3)));
-              state.SetPredN(Values(Below(3)));
-              std::vector<std::vector<double>> thetas(Below(3));
-              for (std::vector<double>& theta : thetas) {
-                const std::valarray<double> values = Values(1 + Below(3));
-                theta.assign(std::begin(values), std::end(values));
-              }
-              state.SetFinalThetas(thetas);
-              const std::valarray<double> nu = Values(Below(3));
-              state.SetFinalNu(
-                  std::vector<double>(std::begin(nu), std::end(nu)));
-              state.SetFinalIterCount(Below(20));
-            });
-        break;
-    }
-
     unnamed = false;
-    const auto name = [this, &unnamed](const std::string& word) {
-      if (Below(8) != 0) return word;
-      unnamed = true;
-      return std::string();
+    const auto name = [this, &unnamed](std::string word) {
+      if (Below(8) == 0) word.clear();
+      unnamed = unnamed || word.empty();
+      return word;
     };
     std::vector<std::string> ids;
     const unsigned named = Below(4) == 0 ? Below(predictors + 1) : predictors;
     for (unsigned i = 0; i < named; ++i) {
       ids.push_back(name("x" + std::to_string(i)));
     }
-    refs = TSXDictionaryRefs("M", "", name(Pick<std::string>({"y", "sales"})),
-                             ids);
-    return model;
+    return {TSFModel(new TSFModelImp(std::move(state), info)),
+            TSXDictionaryRefs("M", "", name(Below(2) ? "y" : "sales"), ids)};
   }
 
   unsigned Below(unsigned n) {
@@ -267,12 +180,7 @@ class ModelGenerator {
   }
 
  private:
-  template <typename T>
-  T Pick(std::initializer_list<T> choices) {
-    return *(choices.begin() + Below(static_cast<unsigned>(choices.size())));
-  }
-
-  // Ascending lags from 1 to `max`, each present by chance.
+  // Lags 1 to `max`, each present by chance.
   AMPowers Lags(unsigned max) {
     std::vector<unsigned> lags;
     for (unsigned lag = 1; lag <= max; ++lag) {
@@ -304,31 +212,38 @@ class ModelGenerator {
     return values;
   }
 
+  std::vector<double> Vector(size_t n) {
+    const std::valarray<double> values = Values(n);
+    return std::vector<double>(std::begin(values), std::end(values));
+  }
+
   std::mt19937 random_;
 };
 
 inline std::vector<Case> AllCases() {
+  using pmml_test::IsSeasonal;
   using pmml_test::ModelOptions;
-  std::vector<Case> cases;
   const std::string incomplete =
       "a seasonal state without its level, trend or a seasonal value has no "
       "Array, which the schema requires";
   const std::string unnamed =
       "a field without a name has a MiningField and a DataField without "
       "\"name\", which the schema requires";
+  const double inf = std::numeric_limits<double>::infinity();
+  std::vector<Case> cases;
 
-  // Each smoothing type alone with and without TimeSeries and date
-  // specifications, all seven in one document, and no model.
+  // Each smoothing type alone, with and without TimeSeries and date
+  // specifications; all seven in one document; no model.
   ModelOptions observed;
   observed.history = {3, 4.5, MV::gMissingValue, 6};
   for (int type = 0; type < kTypeCount; ++type) {
-    for (const bool timeSeries : {true, false}) {
+    for (const bool series : {true, false}) {
       for (const bool dateSpecs : {true, false}) {
         cases.push_back({std::string("es_") + kTypeNames[type] +
-                             (timeSeries ? "_series" : "") +
+                             (series ? "_series" : "") +
                              (dateSpecs ? "_datespecs" : ""),
-                         Smoothing({type}, observed, timeSeries, dateSpecs), "",
-                         timeSeries ? "<TimeValue" : "<ExponentialSmoothing"});
+                         Smoothing({type}, observed, series, dateSpecs), "",
+                         series ? "<TimeValue" : "<ExponentialSmoothing"});
       }
     }
   }
@@ -341,151 +256,129 @@ inline std::vector<Case> AllCases() {
       {"no_model_no_datespecs", Smoothing({}, {}, true, false), "", "<Header"});
 
   // A final state without its level, trend or a seasonal value.
-  const char* const missingParts[] = {"level", "trend", "seasonal"};
+  const char* const parts[] = {"level", "trend", "seasonal"};
   for (int type = 0; type < kTypeCount; ++type) {
     for (int missing = 0; missing < 3; ++missing) {
-      if ((missing == 1 && !HasTrend(type)) ||
-          (missing == 2 && !pmml_test::IsSeasonal(type))) {
+      const bool trend = type != ESModelSpec::ESSimpleSeasonal &&
+                         type != ESModelSpec::ESSimple;
+      if ((missing == 1 && !trend) || (missing == 2 && !IsSeasonal(type))) {
         continue;
       }
       ModelOptions options;
       options.missingLevel = missing == 0;
       options.missingTrend = missing == 1;
       options.missingSeasonal = missing == 2;
-      cases.push_back({std::string("es_") + kTypeNames[type] + "_no_" +
-                           missingParts[missing],
-                       Smoothing({type}, options),
-                       pmml_test::IsSeasonal(type) ? incomplete : "",
-                       "<Level"});
+      cases.push_back(
+          {std::string("es_") + kTypeNames[type] + "_no_" + parts[missing],
+           Smoothing({type}, options), IsSeasonal(type) ? incomplete : "",
+           "<Level"});
     }
   }
 
-  // Missing statistics, estimates and initial values, which the default
-  // form writes as the missing value's number text; infinite and NaN values,
-  // which it writes as the standard library prints them.
-  const double inf = std::numeric_limits<double>::infinity();
-  const double nan = std::numeric_limits<double>::quiet_NaN();
-  cases.push_back({"es_missing_values",
-                   [](TSXMLTree& tree) {
-                     EstimationInfo info = testing_support::BasicInfo();
-                     info.SetErrorVariance(MV::gMissingValue);
-                     ESModelSpec noPhi(ESModelSpec::ESDampedTrend);
-                     noPhi.SetESParameterIndex(ESModelSpec::DampingTrend, -1);
-                     tree.AddModelTree(
-                         testing_support::MakeESModel(
-                             noPhi, {MV::gMissingValue, MV::gMissingValue, 0.5},
-                             {}, WIESSmState(10, 2), info,
-                             {1, MV::gMissingValue},
-                             WIESSmState(MV::gMissingValue, MV::gMissingValue)),
-                         TSXDictionaryRefs("D", "", "y"));
-                   },
-                   "", "value=\"-1.79769313486232e+308\""});
-  cases.push_back({"es_infinite_values",
-                   [inf](TSXMLTree& tree) {
-                     EstimationInfo info = testing_support::BasicInfo();
-                     info.SetGOFStat(BFSharedConst::RMSE, inf);
-                     info.SetErrorVariance(inf);
-                     tree.AddModelTree(
-                         testing_support::MakeESModel(
-                             ESModelSpec(ESModelSpec::ESAdditiveWinters, 2),
-                             {0.5, 0.25, 0.125}, {},
-                             WIESSmState(1, 0, 0, {inf, -inf}), info, {},
-                             WIESSmState(1, 0, 0, {1, inf})),
-                         TSXDictionaryRefs("Inf", "", "y"));
-                   },
-                   "an infinite RMSE is written \"inf\", which is no xs:double",
-                   "RMSE=\"inf\""});
+  // Missing estimates, statistics and initial values, which the default
+  // form writes as the missing value's number text (a valid xs:double past
+  // the range of a double); infinite and NaN values, as the standard library
+  // prints them.
+  EstimationInfo noVariance = testing_support::BasicInfo();
+  noVariance.SetErrorVariance(MV::gMissingValue);
+  ESModelSpec noPhi(ESModelSpec::ESDampedTrend);
+  noPhi.SetESParameterIndex(ESModelSpec::DampingTrend, -1);
+  const double missing = MV::gMissingValue;
+  cases.push_back(
+      {"es_missing_values",
+       Models({{testing_support::MakeESModel(
+                    noPhi, {missing, missing, 0.5}, {}, WIESSmState(10, 2),
+                    noVariance, {1, missing}, WIESSmState(missing, missing)),
+                TSXDictionaryRefs("D", "", "y")}}),
+       "", "value=\"-1.79769313486232e+308\""});
+  EstimationInfo infinite = testing_support::BasicInfo();
+  infinite.SetGOFStat(BFSharedConst::RMSE, inf);
+  infinite.SetErrorVariance(inf);
+  cases.push_back(
+      {"es_infinite_values",
+       Models({{testing_support::MakeESModel(
+                    ESModelSpec(ESModelSpec::ESAdditiveWinters, 2),
+                    {0.5, 0.25, 0.125}, {}, WIESSmState(1, 0, 0, {inf, -inf}),
+                    infinite, {}, WIESSmState(1, 0, 0, {1, inf})),
+                TSXDictionaryRefs("Infinite", "", "y")}}),
+       "an infinite RMSE is written \"inf\", which is no xs:double",
+       "RMSE=\"inf\""});
+  ModelOptions nanObservation;
+  nanObservation.history = {1, std::numeric_limits<double>::quiet_NaN(), 2};
   cases.push_back(
       {"es_nan_observation",
-       [nan](TSXMLTree& tree) {
-         ModelOptions options;
-         options.history = {1, nan, 2};
-         tree.AddModelTree(
-             pmml_test::MakeTypeModel(ESModelSpec::ESSimple, options),
-             TSXDictionaryRefs("N", "", "y"));
-       },
+       Models({{pmml_test::MakeTypeModel(ESModelSpec::ESSimple, nanObservation),
+                TSXDictionaryRefs("N", "", "y")}}),
        "a NaN observation is written as the standard library prints it, "
        "which is no xs:double",
        "<TimeValue"});
 
-  // ARIMA models of each state, with and without a predictor and outliers,
-  // on their own.
-  const struct {
-    StateKind kind;
-    const char* name;
-    const char* holds;
-  } states[] = {
-      {StateKind::kKalman, "kalman", "<KalmanState"},
-      {StateKind::kLeastSquares, "cls", "<FinalNoise"},
-      {StateKind::kThetaRecursion, "theta", "<FinalTheta"},
-  };
-  for (const auto& state : states) {
-    for (const bool predictor : {false, true}) {
-      for (const bool outliers : {false, true}) {
-        const StateKind kind = state.kind;
-        cases.push_back({std::string("arima_") + state.name +
-                             (predictor ? "_predictor" : "") +
-                             (outliers ? "_outliers" : ""),
-                         [kind, predictor, outliers](TSXMLTree& tree) {
-                           tree.AddModelTree(
-                               StateModel(kind, predictor, outliers),
-                               predictor
-                                   ? TSXDictionaryRefs("A", "", "y", {"x"})
-                                   : TSXDictionaryRefs("A", "", "y"));
-                         },
-                         "", state.holds});
-      }
-    }
-  }
+  // ARIMA models of each state: with every part (a predictor, an additive
+  // and a transient outlier, every list of the state), and with an AR term
+  // alone.
+  AMModelSpec ar1;
+  ar1.SetARStruct({1}, {});
+  const TSXDictionaryRefs full("A", "", "y", {"x"}), plain("A", "", "y");
+  using pmml_test::MakeARIMAModel;
+  using testing_support::MakeFullARIMAModel;
+  cases.push_back({"arima_kalman",
+                   Models({{MakeFullARIMAModel<ARMAMLForecastState>(), full}}),
+                   "", "<FinalOmega"});
+  cases.push_back({"arima_cls",
+                   Models({{MakeFullARIMAModel<ARMACLSForecastState>(), full}}),
+                   "", "finalIterationNumber=\"0\""});
+  cases.push_back(
+      {"arima_theta",
+       Models({{MakeFullARIMAModel<ARMAMLSpForecastState>(), full}}), "",
+       "<FinalTheta"});
+  cases.push_back(
+      {"arima_kalman_plain",
+       Models({{MakeARIMAModel<ARMAMLForecastState>(ar1, {0.5}), plain}}), "",
+       "<KalmanState/>"});
+  cases.push_back(
+      {"arima_cls_plain",
+       Models({{MakeARIMAModel<ARMACLSForecastState>(ar1, {0.5}), plain}}), "",
+       "<ThetaRecursionState"});
+  cases.push_back(
+      {"arima_theta_plain",
+       Models({{MakeARIMAModel<ARMAMLSpForecastState>(ar1, {0.5}), plain}}), "",
+       "<ThetaRecursionState"});
 
-  // Models of both kinds in one document, each kind last, with date
-  // specifications (registered with the smoothing models).
+  // Both kinds in one document, each kind last, with date specifications;
+  // references that name fewer predictors than the model has, an empty
+  // name, an empty model.
+  const TSFModel seasonal = pmml_test::MakeSeasonalKalmanModel();
+  const TSXDictionaryRefs sales("S", "", "sales", {"price"});
   cases.push_back({"es_then_arima",
-                   [](TSXMLTree& tree) {
+                   [seasonal, sales](TSXMLTree& tree) {
                      Smoothing({0, 6})(tree);
-                     tree.AddModelTree(
-                         pmml_test::MakeSeasonalKalmanModel(),
-                         TSXDictionaryRefs("S", "", "sales", {"price"}));
+                     tree.AddModelTree(seasonal, sales);
                    },
                    "", "algorithmName=\"ARIMA\""});
-  cases.push_back(
-      {"arima_then_es",
-       [](TSXMLTree& tree) {
-         tree.AddModelTree(StateModel(StateKind::kThetaRecursion, true, true),
-                           TSXDictionaryRefs("T", "", "sales", {"price"}));
-         tree.AddModelTree(pmml_test::MakeSeasonalKalmanModel(),
-                           TSXDictionaryRefs("S", "", "visits", {"price"}));
-         Smoothing({4})(tree);
-       },
-       "", "<DateSpecification"});
-
-  // References that name fewer predictors than the model has, or none; an
-  // empty name; an empty model.
-  cases.push_back({"arima_fewer_names",
-                   [](TSXMLTree& tree) {
-                     tree.AddModelTree(pmml_test::MakeSeasonalKalmanModel(),
-                                       TSXDictionaryRefs("S", "", "sales"));
-                   },
-                   "", "<PredicterEffect"});
-  cases.push_back({"arima_no_dependent",
-                   [](TSXMLTree& tree) {
-                     tree.AddModelTree(pmml_test::MakeSeasonalKalmanModel(),
-                                       TSXDictionaryRefs("S", "", "", {"p"}));
-                   },
-                   unnamed, "<PredicterEffect"});
-  cases.push_back({"arima_unnamed_predictor",
-                   [](TSXMLTree& tree) {
+  cases.push_back({"arima_then_es",
+                   [seasonal, sales](TSXMLTree& tree) {
                      tree.AddModelTree(
-                         StateModel(StateKind::kKalman, true, false),
-                         TSXDictionaryRefs("S", "", "y", {""}));
+                         MakeFullARIMAModel<ARMAMLSpForecastState>(),
+                         TSXDictionaryRefs("T", "", "visits", {"price"}));
+                     tree.AddModelTree(seasonal, sales);
+                     Smoothing({4})(tree);
                    },
-                   unnamed, "<PredicterEffect"});
-  cases.push_back({"empty_model",
-                   [](TSXMLTree& tree) {
-                     tree.AddModelTree(TSFModel(),
-                                       TSXDictionaryRefs("E", "", "e", {"x"}));
-                   },
-                   "", "name=\"x\""});
+                   "", "<DateSpecification"});
+  cases.push_back({"arima_fewer_names",
+                   Models({{seasonal, TSXDictionaryRefs("S", "", "sales")}}),
+                   "", "<PredicterEffect"});
+  cases.push_back(
+      {"arima_no_dependent",
+       Models({{seasonal, TSXDictionaryRefs("S", "", "", {"price"})}}), unnamed,
+       "<PredicterEffect"});
+  cases.push_back(
+      {"arima_unnamed_predictor",
+       Models({{seasonal, TSXDictionaryRefs("S", "", "sales", {""})}}), unnamed,
+       "<PredicterEffect"});
+  cases.push_back(
+      {"empty_model",
+       Models({{TSFModel(), TSXDictionaryRefs("E", "", "e", {"x"})}}), "",
+       "name=\"x\""});
 
   // Documents of one to three generated ARIMA models, now and then after a
   // smoothing model.
@@ -493,22 +386,18 @@ inline std::vector<Case> AllCases() {
   for (int document = 0; document < 30; ++document) {
     std::vector<std::pair<TSFModel, TSXDictionaryRefs>> models;
     bool anyUnnamed = false;
-    const unsigned count = 1 + generator.Below(3);
-    for (unsigned i = 0; i < count; ++i) {
-      TSXDictionaryRefs refs;
+    for (unsigned i = 1 + generator.Below(3); i > 0; --i) {
       bool unnamedField = false;
-      TSFModel model = generator.Next(refs, unnamedField);
-      models.emplace_back(model, refs);
+      models.push_back(generator.Next(unnamedField));
       anyUnnamed = anyUnnamed || unnamedField;
     }
-    const bool smoothingFirst = generator.Below(3) == 0;
-    cases.push_back({"generated_" + std::to_string(document),
-                     [models, smoothingFirst](TSXMLTree& tree) {
-                       if (smoothingFirst) Smoothing({1})(tree);
-                       for (const auto& [model, refs] : models) {
-                         tree.AddModelTree(model, refs);
-                       }
-                     },
+    const Fill arima = Models(models);
+    const Fill fill =
+        generator.Below(3) != 0 ? arima : Fill([arima](TSXMLTree& tree) {
+          Smoothing({1})(tree);
+          arima(tree);
+        });
+    cases.push_back({"generated_" + std::to_string(document), fill,
                      anyUnnamed ? unnamed : "", "algorithmName=\"ARIMA\""});
   }
   return cases;

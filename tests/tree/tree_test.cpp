@@ -372,20 +372,13 @@ TEST(PMMLTreeTest, EveryDateSpecificationAndTheTimeFieldOfTheLastRegistered) {
   EXPECT_EQ(Write(tree), Doc("pmml_monthly_again"));
 }
 
-// The DataDictionary of `document`, from its line to its closing tag.
+// The DataDictionary of `document`, from the line feed before it to its
+// closing tag.
 std::string Dictionary(const std::string& document) {
   const size_t begin = document.find("\n\t<DataDictionary");
-  const std::string end = "</DataDictionary>";
-  const size_t last = document.find(end);
-  if (begin == std::string::npos || last == std::string::npos) return "";
-  return document.substr(begin, last + end.size() - begin);
-}
-
-// A continuous DataField at two tabs, as a line of Lines().
-std::string DataField(const std::string& name, const char* type = "double") {
-  return "\t\t<DataField\n\t\t\tdataType=\"" + std::string(type) +
-         "\"\n\t\t\toptype=\"continuous\"\n\t\t\tname=\"" + name +
-         "\"\n\t\t\tdisplayName=\"" + name + "\"/>";
+  const size_t end = document.find("</DataDictionary>");
+  if (begin == std::string::npos || end == std::string::npos) return "";
+  return document.substr(begin, end + 17 - begin);
 }
 
 // The document of a PMML tree with a monthly date specification, a
@@ -411,44 +404,15 @@ std::string MixedDocument(bool arimaLast,
 }
 
 // With SetPMMLConsistent, DataDictionary defines every field that a
-// MiningField names: the fields of the default form first (here of an ARIMA
-// model, then of a smoothing model with the date specification), then those
-// of the other models, each once; an empty name is a field too. Turned off
+// MiningField names: the fields of the default form first (of the ARIMA
+// model; of the smoothing model, with the date specification), then those
+// of the other models, each once, an empty name among them. Turned off
 // again, the tree writes the default document.
 TEST(PMMLTreeTest, ConsistentDictionaryDefinesEveryMiningField) {
   EXPECT_EQ(Dictionary(MixedDocument(true, {true})),
-            testing_support::Lines({
-                "\t<DataDictionary",
-                "\t\tnumberOfFields=\"4\">",
-                DataField("visits"),
-                DataField("price"),
-                DataField("sales"),
-                DataField("Month", "date"),
-                "\t</DataDictionary>",
-            }));
+            "\n" + Doc("pmml_consistent_arima_last"));
   EXPECT_EQ(Dictionary(MixedDocument(false, {true})),
-            testing_support::Lines({
-                "\t<DataDictionary",
-                "\t\tnumberOfFields=\"4\">",
-                "\t\t<Extension>",
-                "\t\t\t<DateSpecification",
-                "\t\t\t\tdateSpecID=\"1\"",
-                "\t\t\t\tdateSpecDescriptor=\"m\">",
-                "\t\t\t\t<Periods>",
-                "\t\t\t\t\t<Year",
-                "\t\t\t\t\t\tfirstCaseIndex=\"2001\"/>",
-                "\t\t\t\t\t<Month",
-                "\t\t\t\t\t\tcycleLength=\"12\"",
-                "\t\t\t\t\t\tfirstCaseIndex=\"2\"/>",
-                "\t\t\t\t</Periods>",
-                "\t\t\t</DateSpecification>",
-                "\t\t</Extension>",
-                DataField("y"),
-                DataField("Month", "date"),
-                DataField(""),
-                DataField("x"),
-                "\t</DataDictionary>",
-            }));
+            "\n" + Doc("pmml_consistent_es_last"));
   for (const bool arimaLast : {true, false}) {
     EXPECT_EQ(MixedDocument(arimaLast, {true, false}),
               MixedDocument(arimaLast, {}));
