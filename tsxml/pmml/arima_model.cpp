@@ -138,8 +138,8 @@ void AddMaximumLikelihoodStat(XMLElement& arima, const TSXParameterTable& table,
   AddOptionalAttribute(*statistics, "method", method);
   AddIntegerAttribute(*statistics, "periodDeficit", table.periodDeficit);
 
-  // The history lists hold only the predictors that have a history: a
-  // position past their end has no arrays.
+  // The history lists hold only the predictors that have a history; a
+  // position past their end has no arrays (see the header).
   for (size_t i = 0; i < table.predictorNames.size(); ++i) {
     XMLElement* predictor = AddChildElement(*statistics, "PredictorState");
     AddOptionalAttribute(*predictor, "field", table.predictorNames[i]);

@@ -21,9 +21,8 @@ using OstraTimeXML::XMLElement;
 // attribute out; a missing extension value is its number text in the default
 // form and "NaN" in the consistent one. A field without a name gets a
 // "MiningField" without "name" in the default form, with name="" in the
-// consistent one. A predictor past the end of the table's history lists (they
-// hold only predictors that have a history) gets a "PredictorState" without
-// arrays. Caller owns the result.
+// consistent one. Caller owns the result.
+// A PredictorState past the end of the history lists holds no arrays.
 XMLElement* BuildARIMAModel(const TSFModel& model,
                             const TSXDictionaryRefs& refs, PMMLMode mode);
 
