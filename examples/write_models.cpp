@@ -1,12 +1,15 @@
 // Builds fitted models in code (two exponential smoothing models, a seasonal
 // ARIMA model with a predictor and outliers, and a Croston model) and writes
 // the native model document for them to standard output; with --pmml, the
-// PMML 4.2 document of the exponential smoothing models instead; with
-// --statxml, the statistics document of the ARIMA model.
+// PMML 4.2 document of the smoothing and ARIMA models instead (a Croston
+// model has no PMML form); with --pmml-consistent, the same document as
+// other PMML tools accept it; with --statxml, the statistics document of the
+// ARIMA model.
 //
-//   write_models            the native document
-//   write_models --pmml     the PMML document
-//   write_models --statxml  the StatXML document
+//   write_models                    the native document
+//   write_models --pmml             the PMML document
+//   write_models --pmml-consistent  the consistent PMML document
+//   write_models --statxml          the StatXML document
 #include <cstring>
 #include <iostream>
 #include <memory>
@@ -180,12 +183,14 @@ int WriteNative() {
   return 0;
 }
 
-// The PMML document of the exponential smoothing models. The model added
-// last decides the data dictionary, here the monthly visitors, and the date
-// specification registered last names its time field ("Month").
-int WritePMML() {
+// The PMML document of the smoothing and ARIMA models. The model added last
+// decides the data dictionary, here the monthly visitors, and the date
+// specification registered last names its time field ("Month"); the
+// consistent document defines the fields of the other models too.
+int WritePMML(bool consistent) {
   TSXMLTree tree;
   tree.SetPMMLOutput(true);
+  tree.SetPMMLConsistent(consistent);
   tree.SetApplication("tsxml example", "1.0", "");
 
   TSXDateSpec monthly(TSXDateSpec::Year);
@@ -198,6 +203,9 @@ int WritePMML() {
 
   tree.AddModelTree(MakeSimpleModel(),
                     TSXDictionaryRefs("Calls", "Weekly call volume", "calls"));
+  tree.AddModelTree(
+      MakeSalesARIMAModel(),
+      TSXDictionaryRefs("Sales", "Monthly sales", "sales", {"advertising"}));
   tree.AddModelTree(MakeWintersModel(), visitors);
   tree.WriteToStream(std::cout);
   std::cout << '\n';
@@ -238,10 +246,15 @@ int WriteStatXML() {
 
 int main(int argc, char** argv) {
   if (argc == 1) return WriteNative();
-  if (argc == 2 && std::strcmp(argv[1], "--pmml") == 0) return WritePMML();
+  if (argc == 2 && std::strcmp(argv[1], "--pmml") == 0) {
+    return WritePMML(false);
+  }
+  if (argc == 2 && std::strcmp(argv[1], "--pmml-consistent") == 0) {
+    return WritePMML(true);
+  }
   if (argc == 2 && std::strcmp(argv[1], "--statxml") == 0) {
     return WriteStatXML();
   }
-  std::cerr << "usage: write_models [--pmml | --statxml]\n";
+  std::cerr << "usage: write_models [--pmml | --pmml-consistent | --statxml]\n";
   return 2;
 }

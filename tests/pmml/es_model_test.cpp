@@ -81,4 +81,39 @@ TEST(ESModelTest, WholeModelsInOneDocument) {
             "\n" + testing_support::ReadTestData("pmml/es_models.xml"));
 }
 
+// The consistent form, with the time field changed between the models: a
+// missing RMSE, estimate, phi, error variance or initial level leaves its
+// attribute out or writes "NaN" in an extension; missing and NaN
+// observations are "NaN" and infinities "INF"; a seasonal state without its
+// level has an Array of "NaN". DataDictionary lists the dependent variable
+// and the time field of the default form, then the other fields that the
+// models name, each once.
+TEST(ESModelTest, ConsistentFormDocument) {
+  tsxml::TSXPMMLDocument document;
+  document.SetConsistent(true);
+  auto add = [&](const TSFModel& model, const TSXDictionaryRefs& refs) {
+    document.AddModel(model, refs, model.GetImp()->GetHistoryData());
+  };
+  const double inf = std::numeric_limits<double>::infinity();
+  EstimationInfo noVariance = testing_support::BasicInfo();
+  noVariance.SetErrorVariance(kMissing);
+  add(MakeESModel(Spec(Spec::ESSimple), {kMissing}, {}, WIESSmState(10, 0),
+                  noVariance,
+                  {3, kMissing, std::numeric_limits<double>::quiet_NaN(), inf},
+                  WIESSmState(kMissing, 0)),
+      TSXDictionaryRefs("S", "", "y"));
+  Spec noPhi(Spec::ESDampedTrend);
+  noPhi.SetESParameterIndex(Spec::DampingTrend, -1);
+  add(MakeESModel(noPhi, {0.5, inf, 0.125}, {}, WIESSmState(10, 2)),
+      TSXDictionaryRefs("D", "", "z"));
+  document.SetDateField("Day", "date");
+  pmml_test::ModelOptions level;
+  level.missingLevel = true;
+  add(MakeTypeModel(Spec::ESAdditiveWinters, level),
+      TSXDictionaryRefs("W", "", "y"));
+  EXPECT_EQ(
+      pmml_test::WriteText(document, false),
+      "\n" + testing_support::ReadTestData("pmml/es_models_consistent.xml"));
+}
+
 }  // namespace

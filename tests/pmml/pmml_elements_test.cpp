@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 #include <memory>
 #include <string>
@@ -70,6 +71,28 @@ TEST(PMMLElementsTest, BuildersUnderOneParent) {
   tsxml::AddChildElement(*wrapper, "Y");
   EXPECT_EQ(Text(*p),
             "\n" + testing_support::ReadTestData("pmml/elements.xml"));
+}
+
+// The consistent form's numbers: the schema's spellings of NaN and the
+// infinities, the largest doubles kept in range, and the missing value left
+// out of an optional attribute (the whole elements of both forms are in the
+// model tests).
+TEST(PMMLElementsTest, XsDoubleSpellings) {
+  const double max = std::numeric_limits<double>::max();
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  std::string texts;
+  for (const double value : {kMissing, nan, -nan, kInf, -kInf, -0.1, 1e-300,
+                             max, std::nextafter(-max, 0.0),
+                             1.79769313486231e308, 1.79769313486232e307}) {
+    texts += tsxml::XsDoubleText(value) + " ";
+  }
+  EXPECT_EQ(texts,
+            "NaN NaN NaN INF -INF -0.1 1e-300 1.79769313486231e+308 "
+            "-1.79769313486231e+308 1.79769313486231e+308 "
+            "1.79769313486232e+307 ");
+  EXPECT_EQ(tsxml::PMMLNumberText(kMissing, tsxml::PMMLMode::kConsistent), "");
+  EXPECT_EQ(tsxml::PMMLNumberText(kInf, tsxml::PMMLMode::kConsistent), "INF");
+  EXPECT_EQ(tsxml::PMMLNumberText(kInf, tsxml::PMMLMode::kDefault), "inf");
 }
 
 }  // namespace

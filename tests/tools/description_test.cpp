@@ -347,7 +347,7 @@ GeneratedArima GenerateArima(Draw& draw) {
   return generated;
 }
 
-TEST(Faithful, GeneratedArimaModelsGiveTheNativeDocumentOfTheirModel) {
+TEST(Faithful, GeneratedArimaModelsGiveTheDocumentsOfTheirModel) {
   Draw draw(20240611);
   for (int i = 0; i < 300; ++i) {
     const GeneratedArima generated = GenerateArima(draw);
@@ -357,6 +357,18 @@ TEST(Faithful, GeneratedArimaModelsGiveTheNativeDocumentOfTheirModel) {
         generated.model,
         TSXDictionaryRefs("m", "", "y", generated.predictors)));
     EXPECT_EQ(DocumentOf(generated.json, Native()), Document(tree));
+    // PMML, in both forms.
+    for (const bool consistent : {false, true}) {
+      TSXMLTree pmml;
+      pmml.SetPMMLOutput(true);
+      pmml.SetPMMLConsistent(consistent);
+      ASSERT_TRUE(pmml.AddModelTree(
+          generated.model,
+          TSXDictionaryRefs("m", "", "y", generated.predictors)));
+      WriteOptions options;
+      options.pmmlConsistent = consistent;
+      EXPECT_EQ(DocumentOf(generated.json, options), Document(pmml));
+    }
 #if TSXML_TOOL_HAVE_STATXML
     // The statistics document, on a residual series of its own.
     const std::valarray<double> residuals = draw.Numbers(draw.Below(40));
@@ -451,15 +463,19 @@ TEST(Faithful, GeneratedSmoothingModelsGiveTheDocumentsOfTheirModel) {
       }
     }
 
-    for (bool timeSeries : {true, false}) {
-      TSXMLTree pmml;
-      pmml.SetPMMLOutput(true);
-      pmml.SetESPMMLOutputTimeValue(timeSeries);
-      pmml.SetApplication("gen", "2", "");
-      pmml.AddModelTree(model(), refs);
-      WriteOptions options;
-      options.timeSeries = timeSeries;
-      EXPECT_EQ(DocumentOf(json, options), Document(pmml));
+    for (const bool timeSeries : {true, false}) {
+      for (const bool consistent : {false, true}) {
+        TSXMLTree pmml;
+        pmml.SetPMMLOutput(true);
+        pmml.SetPMMLConsistent(consistent);
+        pmml.SetESPMMLOutputTimeValue(timeSeries);
+        pmml.SetApplication("gen", "2", "");
+        pmml.AddModelTree(model(), refs);
+        WriteOptions options;
+        options.timeSeries = timeSeries;
+        options.pmmlConsistent = consistent;
+        EXPECT_EQ(DocumentOf(json, options), Document(pmml));
+      }
     }
   }
   // Both roads are taken.
@@ -601,12 +617,13 @@ const Refusal kRefusals[] = {
      Format::kPMML, false,
      "/models/0: a Croston model has no PMML form; write it as a native "
      "document"},
-    // Not in this build yet.
-    {"ARIMA model in PMML",
-     R"({"models": [{"name": "m", "dependentVariable": "y", "arima": {
-       "estimates": [], "state": {"method": "kalmanFilter"}}}]})",
-     Format::kPMML, false,
-     "/models/0: ARIMA models in PMML are not available in this build"},
+    {"Croston model in consistent PMML",
+     R"({"models": [{"name": "m", "dependentVariable": "y",
+       "croston": {"demand": )" CROSTON_SUB R"(, "interval": )" CROSTON_SUB
+     R"(, "absoluteError": )" CROSTON_SUB "}}]}",
+     Format::kPMML, true,
+     "/models/0: a Croston model has no PMML form; write it as a native "
+     "document"},
 #if TSXML_TOOL_HAVE_STATXML
     {"StatXML without its settings", R"({"models": [{"name": "m",
        "dependentVariable": "y", )" SIMPLE "}]}",
@@ -631,8 +648,6 @@ const Refusal kRefusals[] = {
     {"StatXML", R"({"models": []})", Format::kStatXML, false,
      "the statxml format is not available in this build"},
 #endif
-    {"consistent PMML", R"({"models": []})", Format::kPMML, true,
-     "consistent PMML documents are not available in this build"},
 };
 
 #undef SIMPLE

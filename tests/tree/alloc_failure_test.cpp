@@ -39,10 +39,12 @@ std::string WriteAll(TSXMLTree& tree) {
 
 // A tree with the first `count` of a simple model on "y", a seasonal one, an
 // ARIMA one and a Croston one; in PMML mode, with a date specification, the
-// seasonal one is on "z", so that adding it changes DataDictionary.
-TSXMLTree MakeTree(int count, bool pmml = false) {
+// seasonal one is on "z", so that adding it changes DataDictionary, and the
+// PMML document is consistent when asked.
+TSXMLTree MakeTree(int count, bool pmml = false, bool consistent = false) {
   TSXMLTree tree;
   tree.SetPMMLOutput(pmml);
+  tree.SetPMMLConsistent(consistent);
   tree.SetApplication("app", "1", "");
   if (pmml) tree.AddDateSpec(testing_support::MonthlyDateSpec(2001), "m");
   const TSXDictionaryRefs refs("M", "", "y");
@@ -119,19 +121,35 @@ TEST(AllocationFailureTest, AddModelTreeLeavesTheTreeUnchanged) {
                     Add(MakeFullARIMAModel<ARMAMLSpForecastState>(), refs));
   CheckEveryFailure(oneModel, Add(MakeCrostonModel(BFSharedConst::Logarithm),
                                   TSXDictionaryRefs("C", "", "demand")));
-  CheckEveryFailure(
-      [] { return MakeTree(1, true); },
-      Add(MakeSeasonalModel({5, 6, 7}), TSXDictionaryRefs("M", "", "z")));
+  // PMML mode in both forms: a smoothing model, and ARIMA models of each
+  // state on another variable, whose DataDictionary differs.
+  for (const bool consistent : {false, true}) {
+    const auto pmmlTree = [consistent] {
+      return MakeTree(1, true, consistent);
+    };
+    CheckEveryFailure(pmmlTree, Add(MakeSeasonalModel({5, 6, 7}),
+                                    TSXDictionaryRefs("M", "", "z")));
+    const TSXDictionaryRefs arimaRefs("A", "", "sales", {"x"});
+    CheckEveryFailure(
+        pmmlTree, Add(MakeFullARIMAModel<ARMACLSForecastState>(), arimaRefs));
+    CheckEveryFailure(
+        pmmlTree, Add(MakeFullARIMAModel<ARMAMLForecastState>(), arimaRefs));
+    CheckEveryFailure(
+        pmmlTree, Add(MakeFullARIMAModel<ARMAMLSpForecastState>(), arimaRefs));
+  }
 }
 
 // A failed write keeps the models for a later one (a native tree of every
-// kind of model; PMML models are not counted and stay for another write).
+// kind of model; PMML models, an ARIMA one among them, are not counted and
+// stay for another write, in both forms).
 TEST(AllocationFailureTest, WriteToStreamLeavesTheTreeUnchanged) {
-  for (const bool pmml : {false, true}) {
-    CheckEveryFailure([pmml] { return MakeTree(pmml ? 2 : 4, pmml); },
-                      [](TSXMLTree& tree, std::ostream& out) {
-                        EXPECT_TRUE(tree.WriteToStream(out));
-                      });
+  const auto write = [](TSXMLTree& tree, std::ostream& out) {
+    EXPECT_TRUE(tree.WriteToStream(out));
+  };
+  CheckEveryFailure([] { return MakeTree(4); }, write);
+  for (const bool consistent : {false, true}) {
+    CheckEveryFailure([consistent] { return MakeTree(3, true, consistent); },
+                      write);
   }
 }
 

@@ -8,6 +8,7 @@
 #include <sstream>
 #include <string>
 
+#include "pmml/arima_test_models.h"
 #include "pmml/pmml_test_util.h"
 #include "support/arima_fixtures.h"
 #include "support/date_spec_fixtures.h"
@@ -177,6 +178,7 @@ TEST(TreeHandleTest, CopiesShareOneTreeAndNullAnswersFalse) {
   nullCopy = null;
   null.SetApplication("a", "b", "c");
   null.SetESPMMLOutputTimeValue(false);
+  null.SetPMMLConsistent(true);
   EXPECT_EQ(null.AddDateSpec(MonthlyDateSpec(2001), "d"), 0);
   EXPECT_FALSE(null.AddModelTree(MakeSimpleModel(), kRefs));
   EXPECT_FALSE(null.AddModelTree(MakeCrostonModel(), kRefs));
@@ -278,6 +280,8 @@ TEST(PMMLDocumentTest, ARIMAFormListsPredictorsAndDropsTheDateSpecifications) {
   EXPECT_TRUE(
       document.AddModel(TSFModel(), TSXDictionaryRefs("E", "", "e"), {}));
   EXPECT_EQ(Bare(document), Doc("pmml_arima_empty"));
+  // An ARIMA model adds its element, with a field for each predictor that
+  // the references name (here more than the model has).
   const TSFModel arima(
       new TSFModelImp(std::make_unique<ARMACLSForecastState>(AMModelSpec()),
                       testing_support::BasicInfo()));
@@ -366,6 +370,53 @@ TEST(PMMLTreeTest, EveryDateSpecificationAndTheTimeFieldOfTheLastRegistered) {
   // the time field again.
   EXPECT_EQ(tree.AddDateSpec(MonthlyDateSpec(2001, 2), "again"), 1);
   EXPECT_EQ(Write(tree), Doc("pmml_monthly_again"));
+}
+
+// The DataDictionary of `document`, from the line feed before it to its
+// closing tag.
+std::string Dictionary(const std::string& document) {
+  const size_t begin = document.find("\n\t<DataDictionary");
+  const size_t end = document.find("</DataDictionary>");
+  if (begin == std::string::npos || end == std::string::npos) return "";
+  return document.substr(begin, end + 17 - begin);
+}
+
+// The document of a PMML tree with a monthly date specification, a
+// smoothing model and the seasonal ARIMA model, the ARIMA model last or
+// first; SetPMMLConsistent is called with each of `consistent` in turn.
+std::string MixedDocument(bool arimaLast,
+                          std::initializer_list<bool> consistent) {
+  TSXMLTree tree;
+  tree.SetPMMLOutput(true);
+  for (const bool on : consistent) tree.SetPMMLConsistent(on);
+  tree.AddDateSpec(MonthlyDateSpec(2001, 2), "m");
+  const TSFModel arima = pmml_test::MakeSeasonalKalmanModel();
+  const TSFModel simple = MakeTypeModel(ESModelSpec::ESSimple);
+  if (arimaLast) {
+    tree.AddModelTree(simple, TSXDictionaryRefs("A", "", "sales"));
+    tree.AddModelTree(arima,
+                      TSXDictionaryRefs("B", "", "visits", {"price", "sales"}));
+  } else {
+    tree.AddModelTree(arima, TSXDictionaryRefs("B", "", "", {"x"}));
+    tree.AddModelTree(simple, TSXDictionaryRefs("A", "", "y"));
+  }
+  return Write(tree);
+}
+
+// With SetPMMLConsistent, DataDictionary defines every field that a
+// MiningField names: the fields of the default form first (of the ARIMA
+// model; of the smoothing model, with the date specification), then those
+// of the other models, each once, an empty name among them. Turned off
+// again, the tree writes the default document.
+TEST(PMMLTreeTest, ConsistentDictionaryDefinesEveryMiningField) {
+  EXPECT_EQ(Dictionary(MixedDocument(true, {true})),
+            "\n" + Doc("pmml_consistent_arima_last"));
+  EXPECT_EQ(Dictionary(MixedDocument(false, {true})),
+            "\n" + Doc("pmml_consistent_es_last"));
+  for (const bool arimaLast : {true, false}) {
+    EXPECT_EQ(MixedDocument(arimaLast, {true, false}),
+              MixedDocument(arimaLast, {}));
+  }
 }
 
 }  // namespace

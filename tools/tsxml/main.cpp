@@ -81,10 +81,6 @@ bool Available(const tsxml_tool::WriteOptions& options) {
               << ": not available in this build\n";
     return false;
   }
-  if (options.pmmlConsistent && !tsxml_tool::PMMLConsistentAvailable()) {
-    std::cerr << "tsxml: --pmml-consistent: not available in this build\n";
-    return false;
-  }
   return true;
 }
 

@@ -72,13 +72,8 @@ bool FormatAvailable(Format format) {
   return TSXML_TOOL_HAVE_STATXML || format != Format::kStatXML;
 }
 
-// NOT YET AVAILABLE: the library has no consistent PMML option and writes no
-// ARIMA model in PMML. Both are refused, as "not available in this build",
-// until it has them.
-bool PMMLConsistentAvailable() { return false; }
-namespace {
-constexpr bool kPMMLArimaAvailable = false;
-}  // namespace
+// The library has TSXMLTree::SetPMMLConsistent; front ends may still ask.
+bool PMMLConsistentAvailable() { return true; }
 
 TSXMLTree BuildTree(const Description& description,
                     const WriteOptions& options) {
@@ -86,18 +81,11 @@ TSXMLTree BuildTree(const Description& description,
     Fail("", std::string("the ") + FormatName(options.format) +
                  " format is not available in this build");
   }
-  if (options.pmmlConsistent && !PMMLConsistentAvailable()) {
-    Fail("", "consistent PMML documents are not available in this build");
-  }
   const bool pmml = options.format == Format::kPMML;
   for (const ModelDescription& model : description.models) {
     if (pmml && model.kind == ModelKind::kCroston) {
       Fail(model.pointer,
            "a Croston model has no PMML form; write it as a native document");
-    }
-    if (pmml && model.kind == ModelKind::kArima && !kPMMLArimaAvailable) {
-      Fail(model.pointer,
-           "ARIMA models in PMML are not available in this build");
     }
   }
   if (options.format == Format::kNative && description.models.empty()) {
@@ -131,6 +119,7 @@ TSXMLTree BuildTree(const Description& description,
   }
 #endif
   tree.SetPMMLOutput(pmml);
+  tree.SetPMMLConsistent(options.pmmlConsistent);
   tree.SetESPMMLOutputTimeValue(options.timeSeries);
   if (description.application.present) {
     tree.SetApplication(description.application.name,

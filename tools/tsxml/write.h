@@ -24,14 +24,16 @@ bool ParseFormat(std::string_view name, Format& format);
 
 struct WriteOptions {
   Format format = Format::kPMML;
-  // PMML documents that hold together as one document; not in this build.
+  // PMML documents that other PMML tools accept
+  // (TSXMLTree::SetPMMLConsistent).
   bool pmmlConsistent = false;
   // Exponential smoothing models in PMML carry their observed series.
   bool timeSeries = true;
 };
 
 // Whether this build's library can write `format`, and the PMML consistent
-// option. StatXML needs the library's TSXMLTree::SetStatXMLOutput.
+// option. StatXML needs the library's TSXMLTree::SetStatXMLOutput; the
+// consistent option is there in every build.
 bool FormatAvailable(Format format);
 bool PMMLConsistentAvailable();
 
@@ -39,8 +41,8 @@ bool PMMLConsistentAvailable();
 // WriteToStream. The tree may point into `description` (the StatXML
 // residuals), which must outlive it. Throws DescriptionError with the
 // model's pointer when a model can't go into the document: the library
-// refused it, the format has no form for its kind, or the format or an
-// option is not available in this build (pointer "").
+// refused it, the format has no form for its kind, or the format is not
+// available in this build (pointer "").
 TSXMLTree BuildTree(const Description& description,
                     const WriteOptions& options);
 

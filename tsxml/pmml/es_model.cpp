@@ -47,7 +47,7 @@ double Phi(const ESModelSpec& spec, const std::valarray<double>& estimates) {
 
 // The "trend" attribute of each model type and what follows it.
 void AddTrendForm(XMLElement& trend, int type, double phi, double alpha,
-                  const WIESSmState& state) {
+                  const WIESSmState& state, PMMLMode mode) {
   switch (type) {
     case ESModelSpec::ESAdditiveWinters:
     case ESModelSpec::ESHolt:
@@ -56,14 +56,16 @@ void AddTrendForm(XMLElement& trend, int type, double phi, double alpha,
       break;
     case ESModelSpec::ESDampedTrend:
       trend.AddAttribute("trend", "damped_additive");
-      trend.AddAttribute("phi", phi);
+      AddNumberAttribute(trend, "phi", phi, mode);
       break;
     case ESModelSpec::ESBrown:
       trend.AddAttribute("trend", "polynomial_exponential");
       if (alpha > kMinBrownAlpha) {
-        AddRealArray(trend, std::vector<double>{
-                                state.trend / alpha + state.level - state.trend,
-                                state.trend});
+        AddRealArray(
+            trend,
+            std::vector<double>{state.trend / alpha + state.level - state.trend,
+                                state.trend},
+            mode);
       }
       break;
     default:
@@ -84,7 +86,8 @@ const char* SeasonalityType(int type) {
   }
 }
 
-void AddTimeSeries(XMLElement& model, const std::valarray<double>& history) {
+void AddTimeSeries(XMLElement& model, const std::valarray<double>& history,
+                   PMMLMode mode) {
   XMLElement* series = AddChildElement(model, "TimeSeries", "usage", "logical",
                                        "startTime", "1");
   XMLNodeAccess::AddNumberAttribute(*series, "endTime",
@@ -99,7 +102,12 @@ void AddTimeSeries(XMLElement& model, const std::valarray<double>& history) {
         XMLNodeAccess::CreateElement("TimeValue"));
     XMLNodeAccess::AddNumberAttribute(*value, "index",
                                       static_cast<double>(i + 1));
-    XMLNodeAccess::AddNumberAttribute(*value, "value", history[i]);
+    if (mode == PMMLMode::kConsistent) {
+      XMLNodeAccess::AddTextAttribute(*value, "value",
+                                      XsDoubleText(history[i]));
+    } else {
+      XMLNodeAccess::AddNumberAttribute(*value, "value", history[i]);
+    }
     XMLNodeAccess::AddChild(*series, value.release());
   }
 }
@@ -111,7 +119,7 @@ XMLElement* BuildESModel(const TSXModelSummary& summary,
                          const TSXDictionaryRefs& refs,
                          const ESForecastState& forecastState,
                          const EstimationInfo& estimationInfo,
-                         const std::valarray<double>& history) {
+                         const std::valarray<double>& history, PMMLMode mode) {
   const ESModelSpec& spec = forecastState.GetESModelSpec();
   const std::valarray<double>& parameterEstimates =
       forecastState.GetParameters();
@@ -132,11 +140,11 @@ XMLElement* BuildESModel(const TSXModelSummary& summary,
   AddMiningField(*schema, timeFieldName, "order");
 
   if (timeSeries && history.size() != 0) {
-    AddTimeSeries(*model, history);
+    AddTimeSeries(*model, history, mode);
   }
 
   XMLElement* smoothing = AddChildElement(*model, "ExponentialSmoothing");
-  smoothing->AddAttribute("RMSE", summary.rmse);
+  AddNumberAttribute(*smoothing, "RMSE", summary.rmse, mode);
   smoothing->AddAttribute(
       "transformation", TransformationName(spec.GetYTransformSpec().function));
   double alpha = 0.0;
@@ -151,23 +159,28 @@ XMLElement* BuildESModel(const TSXModelSummary& summary,
     switch (summary.esParameterKinds[i]) {
       case ESModelSpec::Level: {
         XMLElement* level = AddChildElement(*smoothing, "Level");
-        level->AddAttribute("alpha", estimate);
-        if (present.level) level->AddAttribute("smoothedValue", state.level);
+        AddNumberAttribute(*level, "alpha", estimate, mode);
+        if (present.level) {
+          AddNumberAttribute(*level, "smoothedValue", state.level, mode);
+        }
         alpha = estimate;
         break;
       }
       case ESModelSpec::Trend: {
         XMLElement* trend = AddChildElement(*smoothing, "Trend_ExpoSmooth");
-        trend->AddAttribute("gamma", estimate);
-        if (present.trend) trend->AddAttribute("smoothedValue", state.trend);
-        AddTrendForm(*trend, type, Phi(spec, parameterEstimates), alpha, state);
+        AddNumberAttribute(*trend, "gamma", estimate, mode);
+        if (present.trend) {
+          AddNumberAttribute(*trend, "smoothedValue", state.trend, mode);
+        }
+        AddTrendForm(*trend, type, Phi(spec, parameterEstimates), alpha, state,
+                     mode);
         trendWritten = true;
         break;
       }
       case ESModelSpec::Season: {
         XMLElement* season =
             AddChildElement(*smoothing, "Seasonality_ExpoSmooth");
-        season->AddAttribute("delta", estimate);
+        AddNumberAttribute(*season, "delta", estimate, mode);
         season->AddAttribute("period",
                              static_cast<double>(state.CycleLength()));
         season->AddAttribute("unit", "month");
@@ -175,7 +188,14 @@ XMLElement* BuildESModel(const TSXModelSummary& summary,
           season->AddAttribute("phase", static_cast<double>(state.phase));
         }
         AddOptionalAttribute(*season, "type", SeasonalityType(type));
-        if (present.season) AddRealArray(*season, state.seasonal);
+        if (present.season) {
+          AddRealArray(*season, state.seasonal, mode);
+        } else if (mode == PMMLMode::kConsistent) {
+          AddRealArray(
+              *season,
+              std::vector<double>(state.seasonal.size(), MV::gMissingValue),
+              mode);
+        }
         break;
       }
       default:  // the damping parameter is written as "phi" only
@@ -184,25 +204,29 @@ XMLElement* BuildESModel(const TSXModelSummary& summary,
   }
   if (!trendWritten && present.trend) {
     XMLElement* trend = AddChildElement(*smoothing, "Trend_ExpoSmooth");
-    trend->AddAttribute("smoothedValue", state.trend);
-    AddTrendForm(*trend, type, Phi(spec, parameterEstimates), alpha, state);
+    AddNumberAttribute(*trend, "smoothedValue", state.trend, mode);
+    AddTrendForm(*trend, type, Phi(spec, parameterEstimates), alpha, state,
+                 mode);
   }
 
   const TSSpan& span = estimationInfo.GetSpan();
   const WIESSmState& initial = forecastState.GetSmInitState();
-  AddValueExtension(*model, "errVariance", estimationInfo.GetErrorVariance());
+  AddValueExtension(*model, "errVariance", estimationInfo.GetErrorVariance(),
+                    mode);
   AddValueExtension(*model, "degreesOfFreedom",
-                    static_cast<double>(estimationInfo.GetDegreesOfFreedom()));
+                    static_cast<double>(estimationInfo.GetDegreesOfFreedom()),
+                    mode);
   AddValueExtension(*model, "periodStartIndex",
-                    static_cast<double>(span.Begin()));
-  AddValueExtension(*model, "periodLength", static_cast<double>(span.Length()));
-  AddValueExtension(*model, "initLevel", initial.Level());
+                    static_cast<double>(span.Begin()), mode);
+  AddValueExtension(*model, "periodLength", static_cast<double>(span.Length()),
+                    mode);
+  AddValueExtension(*model, "initLevel", initial.Level(), mode);
   if (ESModelSpec::HasTrendState(type)) {
-    AddValueExtension(*model, "initTrend", initial.Trend());
+    AddValueExtension(*model, "initTrend", initial.Trend(), mode);
   }
   if (present.season) {
-    AddRealArray(*AddContainerExtension(*model, "initSeason"),
-                 initial.Season());
+    AddRealArray(*AddContainerExtension(*model, "initSeason"), initial.Season(),
+                 mode);
   }
   return model.release();
 }

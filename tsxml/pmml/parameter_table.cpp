@@ -238,20 +238,24 @@ void TSXParameterTable::FillARIMA(const TSFModel& model) {
     finalTransferFunctionValues.push_back(transfer ? *transfer
                                                    : std::valarray<double>());
   }
-  finalZ = state->GetActualZ();
-  finalPredictedZ = state->GetPredZ();
+  // The state's series are copied, then swapped in (ReplaceValues), and so is
+  // the matrix moved in: a valarray's copy assignment that fails to allocate
+  // leaves the valarray broken, with a size and no storage, or with freed
+  // storage.
+  ReplaceValues(finalZ, state->GetActualZ());
+  ReplaceValues(finalPredictedZ, state->GetPredZ());
   if (finalZ.size() > 0 && finalPredictedZ.size() > 0) zStateField = targetName;
   if (kalman) {
-    finalOmega = kalman->GetFinalOmega();
-    finalStateVector = kalman->GetFinalStateV();
+    finalOmega = DSymMat(kalman->GetFinalOmega());
+    ReplaceValues(finalStateVector, kalman->GetFinalStateV());
   } else if (const auto* cls =
                  dynamic_cast<const ARMACLSForecastState*>(state)) {
-    finalNoise = cls->GetActualN();
-    finalPredictedNoise = cls->GetPredN();
+    ReplaceValues(finalNoise, cls->GetActualN());
+    ReplaceValues(finalPredictedNoise, cls->GetPredN());
   } else if (const auto* theta =
                  dynamic_cast<const ARMAMLSpForecastState*>(state)) {
-    finalNoise = theta->GetActualN();
-    finalPredictedNoise = theta->GetPredN();
+    ReplaceValues(finalNoise, theta->GetActualN());
+    ReplaceValues(finalPredictedNoise, theta->GetPredN());
     finalTheta = theta->GetFinalThetas();
     finalNu = theta->GetFinalNu();
     finalIterationNumber = CutToInt32(theta->GetFinalIterCount());

@@ -1,12 +1,15 @@
 #include "tsxml/pmml/pmml_document.h"
 
+#include <algorithm>
 #include <ostream>
+#include <set>
 #include <utility>
 
 #include "tsxml/base/vendor.h"
 #include "tsxml/datespec/date_spec.h"
 #include "tsxml/modelapi/forecast_state.h"
 #include "tsxml/native/date_spec_element.h"
+#include "tsxml/pmml/arima_model.h"
 #include "tsxml/pmml/es_model.h"
 #include "tsxml/pmml/pmml_elements.h"
 #include "tsxml/xml/internal/document_output.h"
@@ -51,6 +54,14 @@ void AddFullDataField(XMLElement& dictionary, const std::string& name,
   field->AddAttribute("name", name);
   field->AddAttribute("displayName", name);
   dictionary.AddElement(field.release());
+}
+
+// Room for `extra` more entries, growing geometrically: the one step of an
+// append that can throw.
+template <typename T>
+void ReserveFor(std::vector<T>& entries, size_t extra) {
+  if (entries.capacity() - entries.size() >= extra) return;
+  entries.reserve(std::max(entries.size() + extra, 2 * entries.capacity()));
 }
 
 }  // namespace
@@ -127,12 +138,26 @@ bool TSXPMMLDocument::AddModel(const TSFModel& model,
   last->lastModelIsES = state != nullptr;
 
   std::unique_ptr<XMLElement> element;
+  std::vector<Field> fields;
   if (state) {
     element.reset(BuildESModel(last->summary, TimeFieldName(),
                                esPMMLOutputTimeValue_, refs, *state,
-                               imp->GetEstimationInfo(), history));
-    modelElements_.reserve(modelElements_.size() + 1);
-    modelElements_.push_back(element.release());  // no throw after reserve
+                               imp->GetEstimationInfo(), history, mode_));
+    fields.push_back({refs.GetDependentVarID(), "double"});
+    fields.push_back({TimeFieldName(), TimeFieldType()});
+  } else if (imp) {
+    element.reset(BuildARIMAModel(model, refs, mode_));
+    fields.push_back({refs.GetDependentVarID(), "double"});
+    for (const std::string& id : refs.GetPredictorIDs()) {
+      fields.push_back({id, "double"});
+    }
+  }
+  if (element) {
+    ReserveFor(modelElements_, 1);
+    ReserveFor(miningFields_, fields.size());
+    // No throw after the reserves: pointers and moved strings.
+    modelElements_.push_back(element.release());
+    for (Field& field : fields) miningFields_.push_back(std::move(field));
   }
   last_.swap(last);
   return true;
@@ -169,6 +194,18 @@ XMLElement* TSXPMMLDocument::MakeRoot() const {
 void TSXPMMLDocument::AddDataDictionary(
     XMLElement& root, std::unique_ptr<XMLElement> dateSpecExtension) const {
   XMLElement* dictionary = AddChildElement(root, "DataDictionary");
+  if (mode_ == PMMLMode::kConsistent) {
+    const std::vector<Field> fields = ConsistentFields();
+    if (last_->lastModelIsES && dateSpecExtension) {
+      dictionary->AddElement(dateSpecExtension.release());
+    }
+    AddIntegerAttribute(*dictionary, "numberOfFields",
+                        static_cast<int>(fields.size()));
+    for (const Field& field : fields) {
+      AddFullDataField(*dictionary, field.name, field.dataType);
+    }
+    return;
+  }
   const TSXDictionaryRefs& refs = last_->dictionaryRefs;
   if (!last_->lastModelIsES) {
     AddDataField(*dictionary, refs.GetDependentVarID());
@@ -183,6 +220,26 @@ void TSXPMMLDocument::AddDataDictionary(
   dictionary->AddAttribute("numberOfFields", "2");
   AddFullDataField(*dictionary, refs.GetDependentVarID(), "double");
   AddFullDataField(*dictionary, TimeFieldName(), TimeFieldType());
+}
+
+std::vector<TSXPMMLDocument::Field> TSXPMMLDocument::ConsistentFields() const {
+  const TSXDictionaryRefs& refs = last_->dictionaryRefs;
+  std::vector<Field> fields;
+  fields.push_back({refs.GetDependentVarID(), "double"});
+  if (last_->lastModelIsES) {
+    fields.push_back({TimeFieldName(), TimeFieldType()});
+  } else {
+    for (const std::string& id : refs.GetPredictorIDs()) {
+      fields.push_back({id, "double"});
+    }
+  }
+  fields.insert(fields.end(), miningFields_.begin(), miningFields_.end());
+  std::set<std::string> names;
+  std::vector<Field> once;
+  for (Field& field : fields) {
+    if (names.insert(field.name).second) once.push_back(std::move(field));
+  }
+  return once;
 }
 
 const std::string& TSXPMMLDocument::TimeFieldName() const {

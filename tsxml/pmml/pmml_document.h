@@ -16,6 +16,7 @@
 #include "tsxml/datespec/date_spec_entry.h"
 #include "tsxml/modelapi/model.h"
 #include "tsxml/pmml/model_summary.h"
+#include "tsxml/pmml/pmml_elements.h"
 #include "tsxml/xml/xml_node.h"
 
 class TSXDateSpec;
@@ -66,10 +67,20 @@ class TSXPMMLDocument {
   // observed series in a "TimeSeries" element.
   void SetESPMMLOutputTimeValue(bool on) { esPMMLOutputTimeValue_ = on; }
 
+  // Whether the models added from now on, and every write, take the
+  // consistent form (see PMMLMode): numbers that the schema reads, and a
+  // DataDictionary that lists, after the fields of its default form, every
+  // other field that a model's "MiningField" names, each once. Off by
+  // default; the default form is written byte for byte as ever.
+  void SetConsistent(bool on) {
+    mode_ = on ? PMMLMode::kConsistent : PMMLMode::kDefault;
+  }
+
   // Adds the element of `model` and makes it the model that decides
-  // DataDictionary. Always true. Only a model with an exponential smoothing
-  // state gets an element: other models (and an empty one) select the ARIMA
-  // form of DataDictionary and add no element.
+  // DataDictionary. Always true. A model with an exponential smoothing state
+  // gets the smoothing element, any other model the ARIMA element, and both
+  // kinds select the DataDictionary form of their own; an empty handle adds
+  // no element and selects the ARIMA form.
   bool AddModel(const TSFModel& model, const TSXDictionaryRefs& refs,
                 const std::valarray<double>& history);
 
@@ -82,6 +93,12 @@ class TSXPMMLDocument {
              XMLElement* dateSpecExtension);
 
  private:
+  // A field of DataDictionary: its name and data type.
+  struct Field {
+    std::string name;
+    std::string dataType;
+  };
+
   // What the model added last decides; replaced as a whole by each add.
   struct LastModel {
     TSXModelSummary summary;
@@ -94,6 +111,9 @@ class TSXPMMLDocument {
   // Adds "DataDictionary" in the form that the model added last selects.
   void AddDataDictionary(XMLElement& root,
                          std::unique_ptr<XMLElement> dateSpecExtension) const;
+  // The fields of the default DataDictionary, then those of miningFields_
+  // not among them, each name once.
+  std::vector<Field> ConsistentFields() const;
   // The time field of the documents: the one set, or "Month" of type "date".
   const std::string& TimeFieldName() const;
   const std::string& TimeFieldType() const;
@@ -104,8 +124,11 @@ class TSXPMMLDocument {
   std::string dateFieldName_;
   std::string dateFieldType_;
   std::vector<XMLElement*> modelElements_;  // owned
-  std::unique_ptr<LastModel> last_;         // never null
+  // The fields that the models' "MiningField" elements name, model by model.
+  std::vector<Field> miningFields_;
+  std::unique_ptr<LastModel> last_;  // never null
   bool esPMMLOutputTimeValue_ = true;
+  PMMLMode mode_ = PMMLMode::kDefault;
 };
 
 }  // namespace tsxml

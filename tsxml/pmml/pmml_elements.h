@@ -87,6 +87,58 @@ std::string TransformationName(unsigned kind);
 // attribute is left out.
 std::string OutlierTypeName(unsigned type);
 
+// The two forms of a PMML document. Default: the number text everywhere
+// (infinities and NaN as the standard library prints them, and the missing
+// value as its number text wherever an attribute is always written), names
+// left out when empty. Consistent, a document that other PMML tools accept:
+// numbers as the schema's xs:double spells them ("NaN", "INF", "-INF"), the
+// missing value never as a number (an optional attribute is left out; a
+// required attribute, an extension value or an array entry is "NaN"), and
+// every field element with its name, also an empty one.
+enum class PMMLMode { kDefault, kConsistent };
+
+// The xs:double text of `value`: "NaN" for the missing value and NaN, "INF"
+// and "-INF", else the number text (the largest doubles, whose 15 digits
+// round past the range, rounded down into it).
+std::string XsDoubleText(double value);
+
+// The text of `value` for an optional attribute: empty for the missing value,
+// else its text in `mode`.
+std::string PMMLNumberText(double value, PMMLMode mode);
+
+// Adds the text of `value` in `mode`; nothing for the missing value.
+void AddDoubleAttribute(XMLElement& element, std::string name, double value,
+                        PMMLMode mode);
+
+// An attribute that the schema makes optional and the default form always
+// writes: the number text (the missing value's too) in the default form, as
+// AddDoubleAttribute in the consistent form.
+void AddNumberAttribute(XMLElement& element, std::string name, double value,
+                        PMMLMode mode);
+
+// An attribute that the schema requires: the number text in the default
+// form, XsDoubleText in the consistent form.
+void AddRequiredNumberAttribute(XMLElement& element, std::string name,
+                                double value, PMMLMode mode);
+
+// AddValueExtension with "value" in `mode`: the consistent form writes
+// XsDoubleText.
+void AddValueExtension(XMLElement& parent, std::string name, double value,
+                       PMMLMode mode);
+
+// AddDoubleListText, AddRealArray and AddArrayElement with the values in
+// `mode`: the consistent form writes each value as XsDoubleText.
+void AddDoubleListText(XMLElement& element, const double* values, size_t count,
+                       PMMLMode mode);
+XMLElement* AddRealArray(XMLElement& parent,
+                         const std::valarray<double>& values, PMMLMode mode);
+XMLElement* AddRealArray(XMLElement& parent, const std::vector<double>& values,
+                         PMMLMode mode);
+XMLElement* AddArrayElement(XMLElement& parent, std::string elementName,
+                            const std::valarray<double>& values, PMMLMode mode);
+XMLElement* AddArrayElement(XMLElement& parent, std::string elementName,
+                            const std::vector<double>& values, PMMLMode mode);
+
 }  // namespace tsxml
 
 #endif  // TSXML_PMML_PMML_ELEMENTS_H

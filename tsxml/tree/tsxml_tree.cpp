@@ -37,6 +37,10 @@ void TSXMLTree::SetESPMMLOutputTimeValue(bool on) {
   if (TSXMLTreeImp* imp = imp_.GetImp()) imp->SetESPMMLOutputTimeValue(on);
 }
 
+void TSXMLTree::SetPMMLConsistent(bool on) {
+  if (TSXMLTreeImp* imp = imp_.GetImp()) imp->SetPMMLConsistent(on);
+}
+
 bool TSXMLTree::AddModelTree(TSFModel model, const TSXDictionaryRefs& refs) {
   TSXMLTreeImp* imp = imp_.GetImp();
   return imp && imp->AddModelTree(model, refs);

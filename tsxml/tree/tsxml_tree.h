@@ -45,6 +45,25 @@ class TSXML_API TSXMLTree {
   // Whether exponential smoothing models added in PMML mode from now on carry
   // their observed series ("TimeSeries"); on by default.
   void SetESPMMLOutputTimeValue(bool on);
+  // Whether the PMML document is one that other PMML tools accept without
+  // complaint; off by default, which writes the library's own PMML byte for
+  // byte. It applies to the models added in PMML mode from now on and to the
+  // write, so set it before adding models. With it on:
+  // - DataDictionary defines every field that a "MiningField" of the
+  //   document names (the dependent variables and predictors of all models
+  //   and the time fields), each once, after the fields that it lists
+  //   without the option, and "numberOfFields" counts them;
+  // - an empty field name is written as name="", which the schema requires,
+  //   rather than left out;
+  // - numbers are spelled as the schema's xs:double ("NaN", "INF", "-INF"),
+  //   and the missing value is never written as a number: an optional
+  //   attribute is left out, and a required attribute, an extension value or
+  //   an array entry is "NaN";
+  // - a smoothing model whose seasonal state is incomplete has the "Array"
+  //   that the schema requires, with "NaN" for each seasonal value.
+  // Nothing else changes, and every document is valid against the PMML 4.2
+  // schema.
+  void SetPMMLConsistent(bool on);
 
   // Selects StatXML output, for good: each model added from now on replaces
   // the tree's statistics document by its own (PMML and native adds no

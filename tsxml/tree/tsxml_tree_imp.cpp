@@ -37,6 +37,10 @@ void TSXMLTreeImp::SetESPMMLOutputTimeValue(bool on) {
   pmmlDocument_->SetESPMMLOutputTimeValue(on);
 }
 
+void TSXMLTreeImp::SetPMMLConsistent(bool on) {
+  pmmlDocument_->SetConsistent(on);
+}
+
 void TSXMLTreeImp::SetStatXMLOutputFlag(const std::valarray<double>* series,
                                         int lagCount, double confidenceLevel) {
   statXMLOutput_ = true;

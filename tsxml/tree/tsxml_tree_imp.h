@@ -39,6 +39,9 @@ class TSXML_API TSXMLTreeImp : public TSRCObject {
   // Whether exponential smoothing models added to the PMML document from now
   // on carry their observed series; on by default.
   void SetESPMMLOutputTimeValue(bool on);
+  // Whether the PMML models added from now on and the PMML writes take the
+  // consistent form (see TSXMLTree::SetPMMLConsistent); off by default.
+  void SetPMMLConsistent(bool on);
 
   // Selects StatXML mode for good and keeps the three settings for the
   // models added from now on: the residual series (held by pointer, so it
