@@ -1,35 +1,20 @@
-// ARIMA models of the PMML tests: the seasonal model with every part, and a
-// maker for models of a given structure and state.
+// The ARIMA models of the documents tests/data/pmml/arima_*.xml, which the
+// PMML schema test validates as well.
 #ifndef TSXML_TESTS_PMML_ARIMA_TEST_MODELS_H
 #define TSXML_TESTS_PMML_ARIMA_TEST_MODELS_H
 
-#include <memory>
+#include <limits>
 #include <utility>
 #include <valarray>
+#include <vector>
 
-#include "support/model_fixtures.h"
+#include "support/arima_fixtures.h"
+#include "tsxml/base/dictionary_refs.h"
 #include "tsxml/modelapi/forecast_model.h"
 
 namespace pmml_test {
 
-// A model of `spec` with a forecast state of class `State`, the estimates
-// `estimates` (standard errors a tenth of them), and `info`. `fill` may set
-// the state's lists before the model takes it.
-template <typename State, typename Fill>
-TSFModel MakeARIMAModel(const AMModelSpec& spec,
-                        const std::valarray<double>& estimates,
-                        const EstimationInfo& info, Fill fill) {
-  auto state = std::make_unique<State>(spec, estimates, estimates / 10.0);
-  fill(*state);
-  return TSFModel(new TSFModelImp(std::move(state), info));
-}
-
-template <typename State>
-TSFModel MakeARIMAModel(
-    const AMModelSpec& spec, const std::valarray<double>& estimates,
-    const EstimationInfo& info = testing_support::BasicInfo()) {
-  return MakeARIMAModel<State>(spec, estimates, info, [](State&) {});
-}
+using ModelList = std::vector<std::pair<TSFModel, TSXDictionaryRefs>>;
 
 // ARIMA(2,1,1)(1,1,1) with season 12 on the log scale and a constant of 10.5;
 // a predictor on the square-root scale, differenced once and once seasonally,
@@ -39,7 +24,8 @@ TSFModel MakeARIMAModel(
 // omega and a state vector; RMSE 1.75, error variance 0.0125, 44 degrees of
 // freedom, span 2 to 59. The 14 estimates, in their order: constant, AR 1 and
 // 2, seasonal AR 1, MA 1, seasonal MA 1, numerator 0, 1, seasonal 1,
-// denominator 1, the three outliers' magnitudes and the damping.
+// denominator 1, the three outliers' magnitudes and the damping; standard
+// errors a tenth of them.
 inline TSFModel MakeSeasonalKalmanModel() {
   AMModelSpec spec;
   spec.SetSeasonLength(12);
@@ -62,11 +48,11 @@ inline TSFModel MakeSeasonalKalmanModel() {
                     TSOutlierSpec(TSOutlierSpec::Transient, 41)});
   EstimationInfo info = testing_support::BasicInfo(2, 58, 44, 0.0125);
   info.SetGOFStat(BFSharedConst::RMSE, 1.75);
-  return MakeARIMAModel<ARMAMLForecastState>(
-      spec,
-      {10.5, 0.5, -0.25, 0.125, 0.375, 0.625, 2.5, 0.75, 0.25, 0.5, 3.5, -1.25,
-       4, 0.625},
-      info, [](ARMAMLForecastState& state) {
+  const std::valarray<double> estimates = {10.5,  0.5,   -0.25, 0.125, 0.375,
+                                           0.625, 2.5,   0.75,  0.25,  0.5,
+                                           3.5,   -1.25, 4,     0.625};
+  return testing_support::MakeARIMAModel<ARMAMLForecastState>(
+      spec, estimates, estimates / 10.0, info, [](ARMAMLForecastState& state) {
         state.SetStateSpan(TSSpan(0, 60, 2));
         state.SetXHistory(0, {3, 4}, {0.5, 0.75});
         state.SetActualZ({0.25, -0.5});
@@ -74,6 +60,84 @@ inline TSFModel MakeSeasonalKalmanModel() {
         state.SetFinalOmega(DSymMat(3, {1, 0.5, 2, 0.25, 0.125, 3}));
         state.SetFinalStateV({0.25, 0.125, -0.5});
       });
+}
+
+// arima_models.xml: five models, all named "TS" in the document. In order:
+// conditional least squares (theta recursion without theta and nu, no Z
+// state with one Z series), ARIMA(0,0,0) with a missing error variance,
+// ARIMA(0,1,0) with the theta recursion state, an AR term at lag 3 only with
+// a seasonal difference only, and two predictors of which the references
+// name one: the first without a denominator, the second without a history.
+inline ModelList MakeEdgeModels() {
+  using testing_support::MakeARIMAModel;
+  AMModelSpec ar1, walk, lag3, predictors;
+  ar1.SetARStruct({1}, {});
+  walk.SetYDiff(1, 0);
+  lag3.SetSeasonLength(4);
+  lag3.SetYDiff(0, 1);
+  lag3.SetARStruct({3}, {});
+  predictors.AddPredictor(AMPredictorSpec());
+  AMPredictorSpec second;
+  second.numeratorNonSeasonal = {2};
+  second.denominatorNonSeasonal = {2};
+  predictors.AddPredictor(second);
+  const EstimationInfo info = testing_support::BasicInfo();
+  EstimationInfo noVariance = info;
+  noVariance.SetErrorVariance(MV::gMissingValue);
+  return {
+      {MakeARIMAModel<ARMACLSForecastState>(ar1, {0.4}, {}, info,
+                                            [](ARMACLSForecastState& state) {
+                                              state.SetActualN({0.1, -0.2});
+                                              state.SetPredN({0.05, 0.15});
+                                              state.SetActualZ({1.5});
+                                            }),
+       TSXDictionaryRefs("C", "", "y")},
+      {MakeARIMAModel(AMModelSpec(), {}, {}, noVariance),
+       TSXDictionaryRefs("Z", "", "zero")},
+      {MakeARIMAModel<ARMAMLSpForecastState>(
+           walk, {}, {}, info,
+           [](ARMAMLSpForecastState& state) {
+             state.SetActualN({0.1});
+             state.SetFinalThetas({{0.5, 0.25}, {0.125}});
+             state.SetFinalNu({1.5, 1.25});
+             state.SetFinalIterCount(7);
+           }),
+       TSXDictionaryRefs("W", "", "walk")},
+      {MakeARIMAModel(lag3, {0.5}), TSXDictionaryRefs("L", "", "lag3")},
+      {MakeARIMAModel<ARMAMLForecastState>(predictors, {1.5, 2.5, 0.5, 0.25},
+                                           {}, info,
+                                           [](ARMAMLForecastState& state) {
+                                             state.SetXHistory(0, {7}, {0.7});
+                                           }),
+       TSXDictionaryRefs("F", "", "y", {"x0"})}};
+}
+
+// arima_odd_values*.xml: no dependent variable and an unnamed predictor, an
+// infinite RMSE, a NaN constant, a missing and an infinite AR coefficient, a
+// transient outlier whose damping is missing, an infinite magnitude, an
+// outlier of no known type, a missing omega, a NaN state and a missing error
+// variance.
+inline std::pair<TSFModel, TSXDictionaryRefs> MakeOddValuesModel() {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const double inf = std::numeric_limits<double>::infinity();
+  const double missing = MV::gMissingValue;
+  AMModelSpec spec;
+  spec.SetSeasonLength(4);
+  spec.SetMeanYPresent(true);
+  spec.SetARStruct({1, 2}, {});
+  spec.SetOutliers({TSOutlierSpec(TSOutlierSpec::Transient, 5),
+                    TSOutlierSpec(TSOutlierSpec::Additive, 7),
+                    TSOutlierSpec(8, 9)});
+  EstimationInfo info = testing_support::BasicInfo();
+  info.SetGOFStat(BFSharedConst::RMSE, inf);
+  info.SetErrorVariance(missing);
+  return {testing_support::MakeARIMAModel<ARMAMLForecastState>(
+              spec, {nan, missing, -inf, 2, missing, inf, 1}, {}, info,
+              [=](ARMAMLForecastState& state) {
+                state.SetFinalOmega(DSymMat(1, {missing}));
+                state.SetFinalStateV({nan});
+              }),
+          TSXDictionaryRefs("O", "", "", {""})};
 }
 
 }  // namespace pmml_test

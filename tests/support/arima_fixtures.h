@@ -2,6 +2,7 @@
 #ifndef TSXML_TESTS_SUPPORT_ARIMA_FIXTURES_H
 #define TSXML_TESTS_SUPPORT_ARIMA_FIXTURES_H
 
+#include <functional>
 #include <memory>
 #include <type_traits>
 #include <utility>
@@ -17,6 +18,20 @@ inline std::valarray<double> Sequence(size_t n, double start, double step) {
   std::valarray<double> values(n);
   for (size_t i = 0; i < n; ++i) values[i] = start + step * i;
   return values;
+}
+
+// A model of `spec` with a forecast state of class `State` holding
+// `estimates` and `stdErrors`, and `info`; `fill` may set the state's lists
+// before the model takes it.
+template <typename State = ARMAMLForecastState>
+TSFModel MakeARIMAModel(const AMModelSpec& spec,
+                        const std::valarray<double>& estimates,
+                        const std::valarray<double>& stdErrors = {},
+                        const EstimationInfo& info = BasicInfo(),
+                        const std::function<void(State&)>& fill = nullptr) {
+  auto state = std::make_unique<State>(spec, estimates, stdErrors);
+  if (fill) fill(*state);
+  return TSFModel(new TSFModelImp(std::move(state), info));
 }
 
 // Every part an ARIMA model can have: season 12, log and both differences,
