@@ -65,6 +65,7 @@ void ExpectStatistics(const TSXParameterRow& row, double stdError, double t,
   EXPECT_NEAR(row.confIntervalUpper, upper, 1e-12) << row.paramName;
 }
 
+// The PMML and StatXML documents show the other fields.
 TEST(ParameterTableTest, SmoothingRowsWithTheirStatistics) {
   ESModelSpec spec(ESModelSpec::ESAdditiveWinters, 4);
   spec.SetYTransformSpec(TSTransformSpec(BFSharedConst::SquareRoot));
@@ -82,66 +83,32 @@ TEST(ParameterTableTest, SmoothingRowsWithTheirStatistics) {
                    -0.49559728312571216, 0.7455972831257122);
   EXPECT_NEAR(table.rows[2].confIntervalUpper - 0.125, kT23 * 0.3, 1e-12);
   EXPECT_EQ(table.transformationType, 2);
-  EXPECT_EQ(table.ljungBoxQ, kMissing);
-  EXPECT_EQ(table.degreesOfFreedom, 23);
-  EXPECT_EQ(table.periodStartIndex, 3);
-  EXPECT_EQ(table.periodLength, 30);
-  EXPECT_EQ(table.errVariance, 2.5);
   EXPECT_EQ(table.seasonLength, 0);  // structure belongs to ARIMA models
-  EXPECT_EQ(table.stateMethod, 0);
 }
 
-TEST(ParameterTableTest, FullARIMAModelLaidOutByLag) {
-  // Parameters 0.5, 0.75, ..., 3.0 and standard errors 0.01 ... 0.11 at
-  // positions 0 to 10 (see MakeFullARIMASpec).
-  const TSXParameterTable table(
-      "y", testing_support::MakeFullARIMAModel<ARMAMLForecastState>(), {"x"},
-      0.95);
-  EXPECT_FALSE(table.isExponentialSmoothing);
-  EXPECT_EQ(
-      Names(table),
-      (Strings{"y Constant", "y AR Lag 1", "y AR Lag 2", "y AR, Seasonal Lag 1",
-               "y MA, Seasonal Lag 1", "x Numerator Lag 0", "x Numerator Lag 1",
-               "x Denominator Lag 1"}));
-  EXPECT_EQ(Estimates(table),
-            (Doubles{0.5, -0.75, -1.0, -1.25, -1.5, 1.75, -2.0, -2.25}));
-  EXPECT_DOUBLE_EQ(table.rows[1].stdError, 0.02);
-  EXPECT_DOUBLE_EQ(table.rows[7].stdError, 0.08);
-  EXPECT_EQ(table.constantTerm, 0.5);
-  EXPECT_EQ(table.arCoefficients, (Doubles{-0.75, -1.0}));
-  EXPECT_EQ(table.seasonalARCoefficients, (Doubles{-1.25}));
-  EXPECT_TRUE(table.maCoefficients.empty());
-  EXPECT_EQ(table.seasonalMACoefficients, (Doubles{-1.5}));
-  // Maximum lags AR, seasonal AR, MA, seasonal MA; season; differences.
-  EXPECT_EQ((std::vector<int>{table.maxARLag, table.maxSeasonalARLag,
-                              table.maxMALag, table.maxSeasonalMALag,
-                              table.seasonLength, table.nonSeasonalDiff,
-                              table.seasonalDiff, table.transformationType}),
-            (std::vector<int>{2, 1, 0, 1, 12, 1, 1, 1}));
-  ASSERT_EQ(table.predictorEffects.size(), 1u);
-  const tsxml::TSXPredictorEffect& x = table.predictorEffects[0];
-  EXPECT_EQ(x.field, "x");
-  EXPECT_EQ(x.delay, 1);
-  ExpectFactor(x.numeratorNonSeasonal, 1, {1.75, -2.0});
-  ExpectFactor(x.numeratorSeasonal, 0, {});
-  ExpectFactor(x.denominatorNonSeasonal, 1, {-2.25});
-  ExpectFactor(x.denominatorSeasonal, 0, {});
-  ASSERT_EQ(table.outlierRows.size(), 2u);
-  EXPECT_EQ(table.outlierRows[1].dampingCoefficient, 3.0);
-  EXPECT_GE(table.outlierRows[1].dampingSig, 0.0);
-  EXPECT_LT(table.outlierRows[1].dampingSig, 1e-12);
-}
-
-TEST(ParameterTableTest, ARLagsOneAndThreeAreDense) {
+// Coefficients are dense by lag (AR lags 1 and 3, seasonal AR lag 2), the
+// AR and MA ones negated; rows follow the parameters.
+TEST(ParameterTableTest, LagsLaidOutDense) {
   AMModelSpec spec;
-  spec.SetARStruct({1, 3}, {});
-  const TSXParameterTable table("y", MakeARIMAModel(spec, {0.5, -0.25}), {},
-                                0.95);
+  spec.SetMeanYPresent(true);
+  spec.SetARStruct({1, 3}, {2});
+  spec.SetMAStruct({}, {1});
+  const TSXParameterTable table(
+      "y", MakeARIMAModel(spec, {4, 0.5, -0.25, 0.125, 0.375}), {}, 0.95);
+  EXPECT_FALSE(table.isExponentialSmoothing);
+  EXPECT_EQ(Names(table),
+            (Strings{"y Constant", "y AR Lag 1", "y AR Lag 3",
+                     "y AR, Seasonal Lag 2", "y MA, Seasonal Lag 1"}));
+  EXPECT_EQ(Estimates(table), (Doubles{4, -0.5, 0.25, -0.125, -0.375}));
+  EXPECT_EQ(table.constantTerm, 4.0);
   EXPECT_EQ(table.arCoefficients, (Doubles{-0.5, 0.0, 0.25}));
-  EXPECT_EQ(table.maxARLag, 3);
-  EXPECT_EQ(Names(table), (Strings{"y AR Lag 1", "y AR Lag 3"}));
-  EXPECT_EQ(Estimates(table), (Doubles{-0.5, 0.25}));
-  EXPECT_EQ(table.constantTerm, 0.0);  // no constant, no "Constant" row
+  EXPECT_EQ(table.seasonalARCoefficients, (Doubles{0.0, -0.125}));
+  EXPECT_TRUE(table.maCoefficients.empty());
+  EXPECT_EQ(table.seasonalMACoefficients, (Doubles{-0.375}));
+  // Maximum lags AR, seasonal AR, MA, seasonal MA.
+  EXPECT_EQ((std::vector<int>{table.maxARLag, table.maxSeasonalARLag,
+                              table.maxMALag, table.maxSeasonalMALag}),
+            (std::vector<int>{3, 2, 0, 1}));
 }
 
 TEST(ParameterTableTest, ShortVectors) {
@@ -183,17 +150,12 @@ TEST(ParameterTableTest, ShortVectors) {
 }
 
 TEST(ParameterTableTest, TransferFunctionShapes) {
+  // "a" a regression (numerator term 0 alone) at position 0; "b" with a
+  // seasonal difference, numerator 1, 2 (seasonal lag 2), denominator 3 (lag
+  // 2) and 4 (seasonal lag 1).
   AMModelSpec spec;
-  AMPredictorSpec plain;  // a regression: numerator term 0 alone
-  AMPredictorSpec seasonal;
-  seasonal.seasonalDiff = 1;
-  seasonal.numeratorSeasonal = {2};
-  seasonal.denominatorNonSeasonal = {2};
-  seasonal.denominatorSeasonal = {1};
-  spec.AddPredictor(plain);
-  spec.AddPredictor(seasonal);
-  // Positions: plain 0; seasonal numerator 1, 2 (seasonal lag 2),
-  // denominator 3 (lag 2), 4 (seasonal lag 1).
+  spec.AddPredictor({});
+  spec.AddPredictor({{}, 0, 1, 0, {}, {2}, {2}, {1}});
   const TSXParameterTable table(
       "y", MakeARIMAModel(spec, {0.5, 1.5, 0.25, 0.75, 0.125}),
       {"a", "b", "ignored"}, 0.95);
