@@ -34,15 +34,9 @@ inline TSFModel MakeSeasonalKalmanModel() {
   spec.SetMeanYPresent(true);
   spec.SetARStruct({1, 2}, {1});
   spec.SetMAStruct({1}, {1});
-  AMPredictorSpec price;
-  price.transform = TSTransformSpec(BFSharedConst::SquareRoot);
-  price.nonSeasonalDiff = 1;
-  price.seasonalDiff = 1;
-  price.delay = 2;
-  price.numeratorNonSeasonal = {1};
-  price.numeratorSeasonal = {1};
-  price.denominatorNonSeasonal = {1};
-  spec.AddPredictor(price);
+  // Transformation, differences, delay, numerator and denominator lags.
+  spec.AddPredictor(
+      {TSTransformSpec(BFSharedConst::SquareRoot), 1, 1, 2, {1}, {1}, {1}, {}});
   spec.SetOutliers({TSOutlierSpec(TSOutlierSpec::Additive, 30),
                     TSOutlierSpec(TSOutlierSpec::LevelShift, 38),
                     TSOutlierSpec(TSOutlierSpec::Transient, 41)});
