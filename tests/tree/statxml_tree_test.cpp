@@ -1,32 +1,26 @@
-// The tree in StatXML mode: whole documents compared with the files
-// tests/data/statxml/*.xml, the mode's precedence, what it keeps between
-// adds; and every allocation of adding and writing made to fail in turn: the
-// exception passes through, the tree keeps the document it had (or none)
-// and nothing leaks. The failing allocator replaces operator new in this
-// binary; unarmed, it allocates as usual.
-//
-// The numbers in the documents were computed apart from the library, with
-// scipy and statsmodels (t = estimate / standard error, significance
+// The tree in StatXML mode: whole documents (tests/data/statxml/*.xml), the
+// mode's precedence, what it keeps between adds; and every allocation of
+// adding and writing made to fail in turn (this binary's operator new can
+// fail): the tree keeps the document it had, or none, and nothing leaks.
+// The documents' numbers were computed apart from the library, with scipy
+// and statsmodels (t = estimate / standard error, significance
 // 2 * t.sf(|t|, df), limits estimate -+ t.ppf(0.975, df) * standard error,
-// acf and pacf as in tests/modelapi). Where the library's text differs in the
-// last digits it was checked to lie within the tested accuracy of its own
-// distribution functions (the t quantile to about 3e-10 relative) and of
-// rounding (1e-14), and the library's digits were kept.
+// acf and pacf as in tests/modelapi); where the library's last digits differ,
+// they lie within the tested accuracy of its distribution functions (the t
+// quantile to about 3e-10 relative) and of rounding (1e-14), and were kept.
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
 #include <ostream>
 #include <sstream>
 #include <string>
 #include <valarray>
 
+#include "support/arima_fixtures.h"
 #include "support/failing_allocator.h"
-#include "support/model_fixtures.h"
 #include "support/test_data.h"
 #include "tsxml/modelapi/forecast_model.h"
 #include "tsxml/tree/tsxml_tree.h"
-#include "tsxml/tree/tsxml_tree_imp.h"
 
 namespace {
 
@@ -78,13 +72,8 @@ TSFModel MakeSalesModel() {
   spec.SetYDiff(1, 1);
   spec.SetARStruct({1}, {});
   spec.SetMAStruct({1}, {1});
-  AMPredictorSpec advertising;
-  advertising.nonSeasonalDiff = 1;
-  advertising.seasonalDiff = 1;
-  advertising.delay = 1;
-  advertising.numeratorNonSeasonal = {1};
-  advertising.denominatorNonSeasonal = {1};
-  spec.AddPredictor(advertising);
+  // Transformation, differences, delay, numerator and denominator lags.
+  spec.AddPredictor({{}, 1, 1, 1, {1}, {}, {1}, {}});
   spec.SetOutliers({TSOutlierSpec(TSOutlierSpec::Additive, 17),
                     TSOutlierSpec(TSOutlierSpec::LevelShift, 38),
                     TSOutlierSpec(TSOutlierSpec::Transient, 45)});
@@ -116,10 +105,8 @@ TSFModel MakeBareARModel() {
   spec.SetARStruct({1}, {});
   EstimationInfo info = BasicInfo();
   info.SetLBStat(7.5, 6, 4, kNA);
-  return TSFModel(new TSFModelImp(
-      std::make_unique<ARMACLSForecastState>(spec, std::valarray<double>{0.5},
-                                             std::valarray<double>{0.1}),
-      info));
+  return testing_support::MakeARIMAModel<ARMACLSForecastState>(spec, {0.5},
+                                                               {0.1}, info);
 }
 const TSXDictionaryRefs kBareRefs("AR", "", "y");
 
@@ -143,14 +130,6 @@ TSXMLTree TreeOf(const TSFModel& model, const TSXDictionaryRefs& refs,
   return tree;
 }
 
-TEST(StatXMLTreeTest, WholeDocuments) {
-  TSXMLTree holt = TreeOf(MakeHoltModel(), kHoltRefs, &kHoltResiduals, 3);
-  EXPECT_EQ(WriteText(holt), Doc("es_model"));
-  EXPECT_EQ(WriteText(holt), Doc("es_model"));  // writes are repeatable
-  TSXMLTree sales = TreeOf(MakeSalesModel(), kSalesRefs, &kSalesResiduals, 4);
-  EXPECT_EQ(WriteText(sales), Doc("arima_model"));
-}
-
 // No series, an empty one, one without usable values, or no lags: no
 // correlation blocks.
 TEST(StatXMLTreeTest, NoResidualsNoCorrelations) {
@@ -163,15 +142,17 @@ TEST(StatXMLTreeTest, NoResidualsNoCorrelations) {
   }
 }
 
+// Each add replaces the document (and keeps no model); the series is read
+// at each add, through its pointer; writes are repeatable.
 TEST(StatXMLTreeTest, EachModelReplacesTheDocument) {
   TSXMLTree tree = TreeOf(MakeSalesModel(), kSalesRefs, &kHoltResiduals, 3);
-  // The series is read at each add, through its pointer.
   std::valarray<double> residuals = kSalesResiduals;
   tree.SetStatXMLOutput(&residuals, 4, 0.95);
   ASSERT_TRUE(tree.AddModelTree(MakeHoltModel(), kHoltRefs));
   residuals = kHoltResiduals;
   tree.SetStatXMLOutput(&residuals, 3, 0.95);
   ASSERT_TRUE(tree.AddModelTree(MakeHoltModel(), kHoltRefs));
+  EXPECT_EQ(WriteText(tree), Doc("es_model"));
   EXPECT_EQ(WriteText(tree), Doc("es_model"));
   EXPECT_EQ(tree.GetModelCount(), 0);
 
@@ -184,49 +165,28 @@ TEST(StatXMLTreeTest, EachModelReplacesTheDocument) {
   EXPECT_EQ(WriteText(tree), Doc("arima_model"));
 }
 
-TEST(StatXMLTreeTest, WithoutAModelOnlyTheDeclaration) {
+// Without a model only the declaration; a native model waits for a native
+// write that never comes; StatXML mode stays when PMML mode is turned off;
+// references are not checked (the predictors need not match); a null
+// handle does nothing.
+TEST(StatXMLTreeTest, ModeAndHandles) {
   TSXMLTree tree;
-  tree.SetStatXMLOutput(&kHoltResiduals, 3, 0.95);
-  EXPECT_EQ(WriteText(tree, false), kDeclaration);
-  EXPECT_EQ(WriteText(tree, false), kDeclaration);
-}
-
-TEST(StatXMLTreeTest, StatXMLBeforePMMLBeforeNative) {
-  TSXMLTree tree;
-  // A native model waits for a native write that never comes.
   ASSERT_TRUE(tree.AddModelTree(testing_support::MakeSimpleModel(),
                                 TSXDictionaryRefs("S", "", "y")));
   tree.SetPMMLOutput(true);
   tree.SetStatXMLOutput(&kHoltResiduals, 3, 0.95);
-  tree.SetPMMLOutput(false);  // StatXML mode stays
+  tree.SetPMMLOutput(false);
   EXPECT_EQ(WriteText(tree, false), kDeclaration);
-  // References are not checked: the predictors need not match.
+  EXPECT_EQ(WriteText(tree, false), kDeclaration);
   ASSERT_TRUE(tree.AddModelTree(MakeHoltModel(),
                                 TSXDictionaryRefs("", "", "visits", {"x"})));
   EXPECT_EQ(WriteText(tree), Doc("es_model"));
   EXPECT_EQ(tree.GetModelCount(), 1);
 
-  TSXMLTreeImp imp;
-  EXPECT_FALSE(imp.GetStatXMLOutputFlag());
-  imp.SetStatXMLOutputFlag(nullptr, 0, 0.95);
-  EXPECT_TRUE(imp.GetStatXMLOutputFlag());
-}
-
-TEST(StatXMLTreeTest, NullHandleDoesNothing) {
-  TSXMLTree tree(nullptr);
-  tree.SetStatXMLOutput(&kHoltResiduals, 3, 0.95);
-  EXPECT_FALSE(tree.AddModelTree(MakeHoltModel(), kHoltRefs));
-  EXPECT_EQ(WriteText(tree, false), "");
-}
-
-// A StatXML tree with the sales residuals at 4 lags, holding the document of
-// the Holt model when `withDocument`, and the sales model's when `sales`.
-TSXMLTree MakeTree(bool withDocument, bool sales = false) {
-  TSXMLTree tree;
-  tree.SetStatXMLOutput(&kSalesResiduals, 4, 0.95);
-  if (withDocument) tree.AddModelTree(MakeHoltModel(), kHoltRefs);
-  if (sales) tree.AddModelTree(MakeSalesModel(), kSalesRefs);
-  return tree;
+  TSXMLTree null(nullptr);
+  null.SetStatXMLOutput(&kHoltResiduals, 3, 0.95);
+  EXPECT_FALSE(null.AddModelTree(MakeHoltModel(), kHoltRefs));
+  EXPECT_EQ(WriteText(null, false), "");
 }
 
 std::string AnyText(TSXMLTree& tree) {
@@ -235,60 +195,62 @@ std::string AnyText(TSXMLTree& tree) {
   return out.str();
 }
 
-// Runs `change` on the tree that `make` gives with the n-th allocation
-// failing, n = 0, 1, ..., until a run completes: a failure leaves the tree's
-// document as it was and frees all it took; the run that completes writes
-// and leaves what a run without failures does. Returns the failed runs. The
-// stream has its room up front.
-long CheckEveryFailure(
-    const std::function<TSXMLTree()>& make,
-    const std::function<void(TSXMLTree&, std::ostream&)>& change) {
-  TSXMLTree before = make(), after = make();
-  std::ostringstream written;
-  change(after, written);
-  const std::string documents[] = {AnyText(before), AnyText(after)};
-  return testing_support::ForEachFailingAllocation([&](long n) {
-    const long live = testing_support::gLiveAllocations;
-    bool completed = true;
-    {
-      TSXMLTree tree = make();
-      std::ostringstream out(std::string(1 << 16, ' '));
-      try {
-        testing_support::FailingAllocations failing(n);
-        change(tree, out);
-      } catch (const std::bad_alloc&) {
-        completed = false;
+// Adding the sales model to a StatXML tree without a document and to one with
+// the Holt model's, and writing the sales model's, with the n-th allocation
+// failing, n = 0, 1, ..., until a run completes: a failure leaves the
+// tree's document as it was and frees all it took; the run that completes
+// writes and leaves what a run without failures does. The stream has its
+// room up front.
+TEST(StatXMLAllocationFailureTest, AddAndWriteKeepTheDocument) {
+  const TSFModel holt = MakeHoltModel(), sales = MakeSalesModel();
+  const struct {
+    const TSFModel* held;
+    bool write;
+    long failures;  // at least
+  } runs[] = {{nullptr, false, 100}, {&holt, false, 100}, {&sales, true, 1}};
+  for (const auto& run : runs) {
+    SCOPED_TRACE(&run - runs);
+    const auto make = [&run, &holt] {
+      TSXMLTree tree;
+      tree.SetStatXMLOutput(&kSalesResiduals, 4, 0.95);
+      if (run.held != nullptr) {
+        tree.AddModelTree(*run.held,
+                          run.held == &holt ? kHoltRefs : kSalesRefs);
       }
-      EXPECT_EQ(AnyText(tree), documents[completed]);
-      if (completed) {
-        EXPECT_EQ(out.str().substr(0, static_cast<size_t>(out.tellp())),
-                  written.str());
-      }
-    }
-    EXPECT_EQ(testing_support::gLiveAllocations, live);
-    return completed;
-  });
-}
-
-TEST(StatXMLAllocationFailureTest, AddModelTreeKeepsThePreviousDocument) {
-  const TSFModel sales = MakeSalesModel();
-  for (bool withDocument : {false, true}) {
-    SCOPED_TRACE(withDocument);
-    EXPECT_GT(
-        CheckEveryFailure([withDocument] { return MakeTree(withDocument); },
-                          [&sales](TSXMLTree& tree, std::ostream&) {
-                            EXPECT_TRUE(tree.AddModelTree(sales, kSalesRefs));
-                          }),
-        100);
+      return tree;
+    };
+    const auto change = [&run, &sales](TSXMLTree& tree, std::ostream& out) {
+      EXPECT_TRUE(run.write ? tree.WriteToStream(out)
+                            : tree.AddModelTree(sales, kSalesRefs));
+    };
+    TSXMLTree before = make(), after = make();
+    std::ostringstream written;
+    change(after, written);
+    const std::string documents[] = {AnyText(before), AnyText(after)};
+    const long failures =
+        testing_support::ForEachFailingAllocation([&](long n) {
+          const long live = testing_support::gLiveAllocations;
+          bool completed = true;
+          {
+            TSXMLTree tree = make();
+            std::ostringstream out(std::string(1 << 16, ' '));
+            try {
+              testing_support::FailingAllocations failing(n);
+              change(tree, out);
+            } catch (const std::bad_alloc&) {
+              completed = false;
+            }
+            EXPECT_EQ(AnyText(tree), documents[completed]);
+            if (completed) {
+              EXPECT_EQ(out.str().substr(0, static_cast<size_t>(out.tellp())),
+                        written.str());
+            }
+          }
+          EXPECT_EQ(testing_support::gLiveAllocations, live);
+          return completed;
+        });
+    EXPECT_GE(failures, run.failures);
   }
-}
-
-TEST(StatXMLAllocationFailureTest, WriteToStreamKeepsTheDocument) {
-  EXPECT_GT(CheckEveryFailure([] { return MakeTree(false, true); },
-                              [](TSXMLTree& tree, std::ostream& out) {
-                                EXPECT_TRUE(tree.WriteToStream(out));
-                              }),
-            0);
 }
 
 }  // namespace
