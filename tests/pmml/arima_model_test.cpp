@@ -1,4 +1,4 @@
-// The TimeSeriesModel elements of the ARIMA models of arima_test_models.h,
+// The TimeSeriesModel elements of the ARIMA models of arima_fixtures.h,
 // compared whole with the files tests/data/pmml/arima_*.xml.
 #include "tsxml/pmml/arima_model.h"
 
@@ -7,8 +7,8 @@
 #include <memory>
 #include <string>
 
-#include "arima_test_models.h"
 #include "pmml_test_util.h"
+#include "support/arima_fixtures.h"
 #include "support/test_data.h"
 #include "tsxml/pmml/pmml_document.h"
 
@@ -26,7 +26,7 @@ std::string Expected(const std::string& name) {
 }
 
 TEST(ARIMAModelTest, SeasonalModelWithEveryPartUnderTheKalmanState) {
-  EXPECT_EQ(ElementText(pmml_test::MakeSeasonalKalmanModel(),
+  EXPECT_EQ(ElementText(testing_support::MakeSeasonalKalmanModel(),
                         TSXDictionaryRefs("Sales", "", "sales", {"price"})),
             Expected("arima_kalman"));
 }
@@ -34,7 +34,7 @@ TEST(ARIMAModelTest, SeasonalModelWithEveryPartUnderTheKalmanState) {
 // DataDictionary lists the fields of the last model.
 TEST(ARIMAModelTest, EdgesOfStructureAndStateInOneDocument) {
   tsxml::TSXPMMLDocument document;
-  for (const auto& [model, refs] : pmml_test::MakeEdgeModels()) {
+  for (const auto& [model, refs] : testing_support::MakeEdgeModels()) {
     EXPECT_TRUE(document.AddModel(model, refs, {}));
   }
   EXPECT_EQ(pmml_test::WriteText(document, false), Expected("arima_models"));
@@ -44,7 +44,7 @@ TEST(ARIMAModelTest, EdgesOfStructureAndStateInOneDocument) {
 // the consistent form writes the schema's spellings, "NaN" for the missing
 // extension value, and empty names.
 TEST(ARIMAModelTest, OddValuesInBothForms) {
-  const auto [model, refs] = pmml_test::MakeOddValuesModel();
+  const auto [model, refs] = testing_support::MakeOddValuesModel();
   EXPECT_EQ(ElementText(model, refs), Expected("arima_odd_values"));
   EXPECT_EQ(ElementText(model, refs, tsxml::PMMLMode::kConsistent),
             Expected("arima_odd_values_consistent"));

@@ -238,13 +238,4 @@ TEST(ParameterTableTest, ZeroCentredBounds) {
   }
 }
 
-TEST(ParameterTableTest, EmptyModelKeepsTheInitialValues) {
-  const TSXParameterTable table("y", TSFModel(), {"x"}, 0.9);
-  EXPECT_EQ(table.confidenceLevel, 0.9);
-  EXPECT_TRUE(table.isExponentialSmoothing);
-  EXPECT_EQ(table.degreesOfFreedom, -1);
-  EXPECT_EQ(table.predictorNames, (Strings{"x"}));
-  EXPECT_EQ(table.GetRow(0), nullptr);
-}
-
 }  // namespace
