@@ -7,6 +7,7 @@
 #include <random>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "support/test_data.h"
@@ -99,9 +100,8 @@ TEST(TSAutocorrelationTest, AgreesWithStatsmodels) {
   }
 }
 
-// The PACF at lag k is the last coefficient of the order-k Yule-Walker
-// equations R phi = r, solved here by Gaussian elimination (R is positive
-// definite: no pivoting).
+// The PACF at lag k: the last coefficient of the order-k Yule-Walker
+// equations R phi = r, by Gaussian elimination (R is positive definite).
 double YuleWalkerLast(const std::valarray<double>& acf, size_t k) {
   std::vector<Doubles> m(k, Doubles(k + 1));
   for (size_t i = 0; i < k; ++i) {
@@ -186,21 +186,17 @@ TEST(TSAutocorrelationTest, SpanAndTransformationChooseTheValues) {
 }
 
 TEST(TSAutocorrelationTest, FailuresEmptyTheOutputs) {
-  const struct {
-    std::valarray<double> series;
-    int lags;
-    long code;
-  } cases[] = {
+  const std::tuple<std::valarray<double>, int, long> cases[] = {
       {{1, 2, 3}, 0, TSAutocorrelation::kBadLagCount},
       {{kMissing, 4, kMissing}, 2, TSAutocorrelation::kTooFewValues},
       {{}, 2, TSAutocorrelation::kTooFewValues},
       {{2.5, 2.5, kMissing, 2.5}, 2, TSAutocorrelation::kNoVariation},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.code);
-    const Result r = Compute(c.series, c.lags);
-    EXPECT_EQ(r.acfStatus.GetCode(), c.code);
-    EXPECT_EQ(r.pacfStatus.GetCode(), c.code);
+  for (const auto& [series, lags, code] : cases) {
+    SCOPED_TRACE(code);
+    const Result r = Compute(series, lags);
+    EXPECT_EQ(r.acfStatus.GetCode(), code);
+    EXPECT_EQ(r.pacfStatus.GetCode(), code);
     EXPECT_EQ(r.acf.size() + r.acfStdErrors.size() + r.pacf.size(), 0u);
     EXPECT_EQ(r.pacfStdError, kMissing);
   }

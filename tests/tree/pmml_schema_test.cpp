@@ -31,6 +31,7 @@ using pmml_test::ModelOptions;
 using testing_support::MakeFullARIMAModel;
 using testing_support::ModelList;
 using Fill = std::function<void(TSXMLTree&)>;
+using Vector = std::vector<double>;
 
 struct Case {
   std::string name;           // letters, digits and "_": a file name
@@ -145,10 +146,10 @@ class ModelGenerator {
       noise->SetPredN(Values(Below(3)));
     }
     if (auto* theta = dynamic_cast<ARMAMLSpForecastState*>(state.get())) {
-      std::vector<std::vector<double>> thetas(Below(3));
-      for (std::vector<double>& values : thetas) values = Vector(1 + Below(3));
+      std::vector<Vector> thetas(Below(3));
+      for (Vector& values : thetas) values = Values<Vector>(1 + Below(3));
       theta->SetFinalThetas(thetas);
-      theta->SetFinalNu(Vector(Below(3)));
+      theta->SetFinalNu(Values<Vector>(Below(3)));
       theta->SetFinalIterCount(Below(20));
     }
     state->SetStateSpan(TSSpan(0, 60, Below(3)));
@@ -196,15 +197,11 @@ class ModelGenerator {
                  : std::uniform_real_distribution<double>(-4, 4)(random_);
   }
 
-  std::valarray<double> Values(size_t n) {
-    std::valarray<double> values(n);
+  template <typename List = std::valarray<double>>
+  List Values(size_t n) {
+    List values(n);
     for (double& value : values) value = Value();
     return values;
-  }
-
-  std::vector<double> Vector(size_t n) {
-    const std::valarray<double> values = Values(n);
-    return std::vector<double>(std::begin(values), std::end(values));
   }
 
   std::mt19937 random_;
@@ -400,12 +397,8 @@ TEST(PMMLSchemaTest, WriteCaseDocuments) {
   if (dir == nullptr) return;
   for (const Case& c : AllCases()) {
     for (const bool consistent : {true, false}) {
-      const std::string path = std::string(dir) +
-                               (consistent ? "/consistent/" : "/default/") +
-                               c.name + ".xml";
-      std::ofstream out(path, std::ios::binary);
-      out << WriteCase(c, consistent);
-      EXPECT_TRUE(out.good()) << "cannot write " << path;
+      const std::string form = consistent ? "/consistent/" : "/default/";
+      std::ofstream(dir + form + c.name + ".xml") << WriteCase(c, consistent);
     }
   }
 }

@@ -1,16 +1,14 @@
 // The tree in StatXML mode: whole documents (tests/data/statxml/*.xml), the
 // mode's precedence, what it keeps between adds; and every allocation of
 // adding and writing made to fail in turn (this binary's operator new can
-// fail): the tree keeps the document it had, or none, and nothing leaks.
-// The documents' numbers were computed apart from the library, with scipy
-// and statsmodels (t = estimate / standard error, significance
-// 2 * t.sf(|t|, df), limits estimate -+ t.ppf(0.975, df) * standard error,
-// acf and pacf as in tests/modelapi); where the library's last digits differ,
-// they lie within the tested accuracy of its distribution functions (the t
-// quantile to about 3e-10 relative) and of rounding (1e-14), and were kept.
+// fail): the tree keeps its document, or none, and nothing leaks. The
+// documents' numbers were computed with scipy and statsmodels (t, 2 *
+// t.sf(|t|, df), estimate -+ t.ppf(0.975, df) * standard error; acf and pacf
+// as in tests/modelapi); the library's last digits were kept where they lie
+// within the tested accuracy of its t quantile (about 3e-10 relative) and of
+// rounding (1e-14).
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <ostream>
 #include <sstream>
 #include <string>
@@ -33,9 +31,7 @@ void SetStatistics(EstimationInfo& info,
                    std::initializer_list<BFSharedConst::GOFStatType> types,
                    std::initializer_list<double> values) {
   auto value = values.begin();
-  for (const BFSharedConst::GOFStatType type : types) {
-    info.SetGOFStat(type, *value++);
-  }
+  for (const auto type : types) info.SetGOFStat(type, *value++);
 }
 
 // es_model.xml: a Holt model of "visits" with every statistic that the
@@ -77,19 +73,19 @@ TSFModel MakeSalesModel() {
   spec.SetOutliers({TSOutlierSpec(TSOutlierSpec::Additive, 17),
                     TSOutlierSpec(TSOutlierSpec::LevelShift, 38),
                     TSOutlierSpec(TSOutlierSpec::Transient, 45)});
-  auto state = std::make_unique<ARMAMLForecastState>(
-      spec,
-      std::valarray<double>{0.3124, 0.5871, 0.6342, 0.0215, 0.0087, 0.4512,
-                            0.1873, -0.0941, 0.2205, 0.6125},
-      std::valarray<double>{0.1287, 0.1093, 0.0978, 0.0052, 0.0049, 0.1625,
-                            0.0412, 0.0367, 0.0534, 0.1475});
-  state->SetStateSpan(TSSpan(0, 60, 0));
   EstimationInfo info = BasicInfo(0, 60, 38, 0.00184);
   SetStatistics(
       info, {S::MSE, S::RMSE, S::MAPE, S::MAE, S::BIC, S::AIC, S::RSQ, S::SRSQ},
       {41.27, 6.424, 2.716, 5.083, 312.5, 301.25, 0.9381, 0.4475});
   info.SetLBStat(14.62, 18, 15, 0.479);
-  return TSFModel(new TSFModelImp(std::move(state), info));
+  return testing_support::MakeARIMAModel<ARMAMLForecastState>(
+      spec,
+      {0.3124, 0.5871, 0.6342, 0.0215, 0.0087, 0.4512, 0.1873, -0.0941, 0.2205,
+       0.6125},
+      {0.1287, 0.1093, 0.0978, 0.0052, 0.0049, 0.1625, 0.0412, 0.0367, 0.0534,
+       0.1475},
+      info,
+      [](ARMAMLForecastState& state) { state.SetStateSpan(TSSpan(0, 60, 0)); });
 }
 const std::valarray<double> kSalesResiduals = {
     kNA,   kNA,    0.021,  -0.034, 0.012,  0.045, -0.027, -0.008,
@@ -121,15 +117,6 @@ std::string Doc(const std::string& name) {
   return testing_support::ReadTestData("statxml/" + name + ".xml");
 }
 
-// A StatXML tree with `series` at `lags` and 95 %, and `model` added.
-TSXMLTree TreeOf(const TSFModel& model, const TSXDictionaryRefs& refs,
-                 const std::valarray<double>* series, int lags) {
-  TSXMLTree tree;
-  tree.SetStatXMLOutput(series, lags, 0.95);
-  EXPECT_TRUE(tree.AddModelTree(model, refs));
-  return tree;
-}
-
 // No series, an empty one, one without usable values, or no lags: no
 // correlation blocks.
 TEST(StatXMLTreeTest, NoResidualsNoCorrelations) {
@@ -137,7 +124,9 @@ TEST(StatXMLTreeTest, NoResidualsNoCorrelations) {
   const std::pair<const std::valarray<double>*, int> series[] = {
       {nullptr, 12}, {&empty, 12}, {&missing, 12}, {&kHoltResiduals, 0}};
   for (const auto& [values, lags] : series) {
-    TSXMLTree tree = TreeOf(MakeBareARModel(), kBareRefs, values, lags);
+    TSXMLTree tree;
+    tree.SetStatXMLOutput(values, lags, 0.95);
+    ASSERT_TRUE(tree.AddModelTree(MakeBareARModel(), kBareRefs));
     EXPECT_EQ(WriteText(tree), Doc("missing_statistics"));
   }
 }
@@ -145,7 +134,9 @@ TEST(StatXMLTreeTest, NoResidualsNoCorrelations) {
 // Each add replaces the document (and keeps no model); the series is read
 // at each add, through its pointer; writes are repeatable.
 TEST(StatXMLTreeTest, EachModelReplacesTheDocument) {
-  TSXMLTree tree = TreeOf(MakeSalesModel(), kSalesRefs, &kHoltResiduals, 3);
+  TSXMLTree tree;
+  tree.SetStatXMLOutput(&kHoltResiduals, 3, 0.95);
+  ASSERT_TRUE(tree.AddModelTree(MakeSalesModel(), kSalesRefs));
   std::valarray<double> residuals = kSalesResiduals;
   tree.SetStatXMLOutput(&residuals, 4, 0.95);
   ASSERT_TRUE(tree.AddModelTree(MakeHoltModel(), kHoltRefs));
@@ -203,25 +194,18 @@ std::string AnyText(TSXMLTree& tree) {
 // room up front.
 TEST(StatXMLAllocationFailureTest, AddAndWriteKeepTheDocument) {
   const TSFModel holt = MakeHoltModel(), sales = MakeSalesModel();
-  const struct {
-    const TSFModel* held;
-    bool write;
-    long failures;  // at least
-  } runs[] = {{nullptr, false, 100}, {&holt, false, 100}, {&sales, true, 1}};
-  for (const auto& run : runs) {
-    SCOPED_TRACE(&run - runs);
-    const auto make = [&run, &holt] {
+  for (const int run : {0, 1, 2}) {
+    SCOPED_TRACE(run);
+    const auto make = [run, &holt, &sales] {
       TSXMLTree tree;
       tree.SetStatXMLOutput(&kSalesResiduals, 4, 0.95);
-      if (run.held != nullptr) {
-        tree.AddModelTree(*run.held,
-                          run.held == &holt ? kHoltRefs : kSalesRefs);
-      }
+      if (run == 1) tree.AddModelTree(holt, kHoltRefs);
+      if (run == 2) tree.AddModelTree(sales, kSalesRefs);
       return tree;
     };
-    const auto change = [&run, &sales](TSXMLTree& tree, std::ostream& out) {
-      EXPECT_TRUE(run.write ? tree.WriteToStream(out)
-                            : tree.AddModelTree(sales, kSalesRefs));
+    const auto change = [run, &sales](TSXMLTree& tree, std::ostream& out) {
+      EXPECT_TRUE(run == 2 ? tree.WriteToStream(out)
+                           : tree.AddModelTree(sales, kSalesRefs));
     };
     TSXMLTree before = make(), after = make();
     std::ostringstream written;
@@ -249,7 +233,7 @@ TEST(StatXMLAllocationFailureTest, AddAndWriteKeepTheDocument) {
           EXPECT_EQ(testing_support::gLiveAllocations, live);
           return completed;
         });
-    EXPECT_GE(failures, run.failures);
+    EXPECT_GE(failures, run == 2 ? 1 : 100);
   }
 }
 
