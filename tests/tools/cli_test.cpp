@@ -11,11 +11,12 @@
 #include <string>
 #include <vector>
 
-#include "tests/tools/bad_descriptions.h"
+#include "tests/tools/tools_test.h"
 
 namespace {
 
 namespace fs = std::filesystem;
+using Arguments = std::vector<std::string>;
 
 const std::string kTool = TSXML_TOOL;
 const std::string kSource = TSXML_SOURCE_DIR;
@@ -37,6 +38,11 @@ std::string ReadFile(const std::string& path) {
 
 void WriteFile(const std::string& path, const std::string& text) {
   std::ofstream(path, std::ios::binary) << text;
+}
+
+unsigned Mode(const std::string& path) {
+  struct stat info;
+  return ::stat(path.c_str(), &info) == 0 ? info.st_mode & 0777 : 0;
 }
 
 struct Result {
@@ -71,14 +77,16 @@ class Cli : public ::testing::Test {
     return result;
   }
 
-  // Runs the tool with `arguments`, each quoted.
-  Result Tool(const std::vector<std::string>& arguments,
-              const std::string& input = "/dev/null") const {
+  static std::string Command(const Arguments& arguments) {
     std::string command = Quote(kTool);
-    for (const std::string& argument : arguments) {
+    for (const std::string& argument : arguments)
       command += " " + Quote(argument);
-    }
-    return Shell(command + " <" + Quote(input));
+    return command;
+  }
+
+  Result Tool(const Arguments& arguments,
+              const std::string& input = "/dev/null") const {
+    return Shell(Command(arguments) + " <" + Quote(input));
   }
 
   // The files of the test's directory, sorted.
@@ -97,154 +105,129 @@ class Cli : public ::testing::Test {
 // ---------------------------------------------------------------------------
 // The documents
 
+// Each example in each form gives the writer's document and a line feed, or
+// the writer's error with the input's name and status 2; PMML is the default.
+TEST_F(Cli, EachExampleInEachFormIsTheWritersDocumentOrError) {
+  using tsxml_tool::Format;
+  using tsxml_tool_test::Options;
+  const std::pair<Arguments, tsxml_tool::WriteOptions> forms[] = {
+    {{}, Options(Format::kPMML)},
+    {{"--format", "native"}, Options(Format::kNative)},
+    {{"--pmml-consistent"}, Options(Format::kPMML, true)},
+    {{"--format", "pmml", "--no-time-series"},
+     Options(Format::kPMML, false, false)},
+#if TSXML_TOOL_HAVE_STATXML
+    {{"--format", "statxml"}, Options(Format::kStatXML)},
+#endif
+  };
+  for (const auto& entry : fs::directory_iterator(kModels)) {
+    const std::string file = entry.path().string();
+    for (const auto& [form, options] : forms) {
+      Arguments arguments = {"write"};
+      arguments.insert(arguments.end(), form.begin(), form.end());
+      arguments.push_back(file);
+      const Result result = Tool(arguments);
+      const std::string expected =
+          tsxml_tool_test::DocumentOf(ReadFile(file), options);
+      const bool written = expected.rfind("<?xml", 0) == 0;
+      EXPECT_EQ(result.status, written ? 0 : 2) << Command(arguments);
+      EXPECT_EQ(written ? result.out : result.err,
+                written ? expected + "\n"
+                        : "tsxml: " + file + ": " + expected + "\n");
+      EXPECT_EQ(written ? result.err : result.out, "");
+    }
+    EXPECT_EQ(Tool({"write", "-"}, file).out, Tool({"write", file}).out);
+  }
+}
+
 #ifdef TSXML_WRITE_MODELS
 TEST_F(Cli, DescriptionsOfTheExampleModelsWriteWhatTheExampleWrites) {
-  const Result native = Shell(Quote(TSXML_WRITE_MODELS));
-  ASSERT_EQ(native.status, 0);
-  EXPECT_EQ(
-      Tool({"write", "--format", "native", kModels + "write_models.json"}).out,
-      native.out);
-
-  for (const bool consistent : {false, true}) {
-    const std::string option = consistent ? "--pmml-consistent" : "--pmml";
-    const Result pmml = Shell(Quote(TSXML_WRITE_MODELS) + " " + option);
-    ASSERT_EQ(pmml.status, 0) << option;
-    std::vector<std::string> arguments = {"write"};
-    if (consistent) arguments.push_back("--pmml-consistent");
-    arguments.push_back(kModels + "write_models_pmml.json");
+  const std::pair<std::string, Arguments> cases[] = {
+    {"", {"write", "--format", "native", kModels + "write_models.json"}},
+    {" --pmml", {"write", kModels + "write_models_pmml.json"}},
+    {" --pmml-consistent",
+     {"write", "--pmml-consistent", kModels + "write_models_pmml.json"}},
+#if TSXML_TOOL_HAVE_STATXML
+    {" --statxml",
+     {"write", "--format", "statxml", kModels + "write_models_statxml.json"}},
+#endif
+  };
+  for (const auto& [option, arguments] : cases) {
+    const Result expected = Shell(Quote(TSXML_WRITE_MODELS) + option);
+    ASSERT_EQ(expected.status, 0) << option;
     const Result written = Tool(arguments);
     EXPECT_EQ(written.status, 0) << option;
     EXPECT_EQ(written.err, "") << option;
-    EXPECT_EQ(written.out, pmml.out) << option;
+    EXPECT_EQ(written.out, expected.out) << option;
   }
-#if TSXML_TOOL_HAVE_STATXML
-  const Result statXML = Shell(Quote(TSXML_WRITE_MODELS) + " --statxml");
-  ASSERT_EQ(statXML.status, 0);
-  EXPECT_EQ(Tool({"write", "--format", "statxml",
-                  kModels + "write_models_statxml.json"})
-                .out,
-            statXML.out);
-#endif
 }
 #endif
-
-TEST_F(Cli, PMMLIsTheDefaultFormatAndStandardInputIsRead) {
-  const std::string file = kModels + "write_models_pmml.json";
-  const Result pmml = Tool({"write", "--format", "pmml", file});
-  EXPECT_EQ(pmml.status, 0);
-  EXPECT_EQ(Tool({"write", file}).out, pmml.out);
-  EXPECT_EQ(Tool({"write", "-"}, file).out, pmml.out);
-  EXPECT_EQ(
-      pmml.out.rfind("<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\n<PMML", 0),
-      0u);
-  EXPECT_EQ(pmml.out.back(), '\n');
-}
-
-TEST_F(Cli, NoTimeSeriesLeavesTheSeriesOut) {
-  const std::string file = kModels + "visitors.json";
-  EXPECT_NE(Tool({"write", file}).out.find("</TimeSeries>"), std::string::npos);
-  const Result without = Tool({"write", "--no-time-series", file});
-  EXPECT_EQ(without.status, 0);
-  EXPECT_EQ(without.out.find("</TimeSeries>"), std::string::npos);
-}
-
-TEST_F(Cli, SchemaIsTheDocumentedFile) {
-  const Result schema = Tool({"schema"});
-  EXPECT_EQ(schema.status, 0);
-  EXPECT_EQ(schema.out,
-            ReadFile(kSource + "/docs/model-description.schema.json"));
-}
 
 // ---------------------------------------------------------------------------
 // Bad input: exit status 2, one line naming the input, where and why.
 
-TEST_F(Cli, BadDescriptionsExitWith2AndSayWhereAndWhy) {
+TEST_F(Cli, BadInputsExitWithTheirStatusAndSayWhereAndWhy) {
   const std::string input = Path("bad.json");
-  for (const tsxml_tool_test::BadDescription& bad :
-       tsxml_tool_test::kBadDescriptions) {
-    SCOPED_TRACE(bad.name);
-    WriteFile(input, bad.input);
-    std::string where = input;
-    if (bad.line != 0) {
-      where +=
-          ":" + std::to_string(bad.line) + ":" + std::to_string(bad.column);
+  for (const tsxml_tool_test::BadInput& bad :
+       tsxml_tool_test::ReadBadInputs()) {
+    SCOPED_TRACE(bad.file + " " + bad.format);
+    WriteFile(input, bad.bytes);
+    const bool pmml = bad.format.rfind("pmml", 0) == 0;
+    Arguments arguments = {"write", "--format", pmml ? "pmml" : bad.format};
+    if (bad.format == "pmml-consistent")
+      arguments.push_back("--pmml-consistent");
+    std::string where = bad.line == 0 ? ": "
+                                      : ":" + std::to_string(bad.line) + ":" +
+                                            std::to_string(bad.column) + ": ";
+    if (!bad.pointer.empty()) where += bad.pointer + ": ";
+    // Standard input is named as such.
+    for (const std::string& name : {input, std::string("-")}) {
+      arguments.push_back(name);
+      const Result result = Tool(arguments, input);
+      arguments.pop_back();
+      EXPECT_EQ(result.status, bad.status);
+      EXPECT_EQ(result.out, "");
+      EXPECT_EQ(result.err,
+                !TSXML_TOOL_HAVE_STATXML && bad.format == "statxml"
+                    ? "tsxml: --format statxml: not available in this build\n"
+                    : "tsxml: " + (name == "-" ? "<stdin>" : name) + where +
+                          bad.message + "\n");
     }
-    where += ": ";
-    if (*bad.pointer) where += std::string(bad.pointer) + ": ";
-    const Result result = Tool({"write", "--format", "native", input});
-    EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "tsxml: " + where + bad.message + "\n");
   }
 }
 
-TEST_F(Cli, StandardInputIsNamedAsSuch) {
-  WriteFile(Path("bad.json"), R"({"models": [], "x": 1})");
-  const Result result = Tool({"write", "-"}, Path("bad.json"));
-  EXPECT_EQ(result.status, 2);
-  EXPECT_EQ(result.err,
-            "tsxml: <stdin>: /x: unknown field; expected one of: $schema, "
-            "application, dateSpecs, models, statXML\n");
-}
-
-TEST_F(Cli, UsageErrorsExitWith2AndHelpWith0) {
-  EXPECT_EQ(Tool({}).status, 2);
-  EXPECT_EQ(Tool({"write"}).status, 2);
-  EXPECT_EQ(Tool({"write", "--format", "xml", "x.json"}).status, 2);
-  EXPECT_EQ(Tool({"frobnicate"}).status, 2);
-  EXPECT_EQ(Tool({"batch", "x.json"}).status, 2);  // no --format, --out-dir
+TEST_F(Cli, UsageErrorsExitWith2AndSchemaHelpAndVersionWith0) {
+  for (const Arguments& usage :
+       {Arguments{}, Arguments{"write"}, Arguments{"frobnicate"},
+        Arguments{"write", "--format", "xml", "x"},
+        Arguments{"batch", "x.json"}}) {
+    EXPECT_EQ(Tool(usage).status, 2) << Command(usage);
+  }
+  const Result schema = Tool({"schema"});
+  EXPECT_EQ(schema.status, 0);
+  EXPECT_EQ(schema.out,
+            ReadFile(kSource + "/docs/model-description.schema.json"));
   for (const char* command : {"write", "batch", "schema"}) {
-    const Result help = Tool({command, "--help"});
-    EXPECT_EQ(help.status, 0) << command;
-    EXPECT_NE(help.out.find(std::string("Usage: tsxml ") + command),
-              std::string::npos)
-        << help.out;
+    EXPECT_EQ(Tool({command, "--help"}).status, 0) << command;
   }
   const Result version = Tool({"--version"});
   EXPECT_EQ(version.status, 0);
   EXPECT_EQ(version.out.rfind("tsxml ", 0), 0u);
-}
-
-// ARIMA models go into PMML. The consistent option reaches the document in
-// `write` and in `batch`: the data dictionary of the write_models
-// description, which lists the fields of the model added last by default,
-// lists those of all three models.
-TEST_F(Cli, ARIMAModelsAndConsistentPMMLAreWritten) {
-  const Result sales = Tool({"write", kModels + "sales.json"});
-  EXPECT_EQ(sales.status, 0);
-  EXPECT_EQ(sales.err, "");
-  EXPECT_NE(sales.out.find("algorithmName=\"ARIMA\""), std::string::npos);
-
-  const std::string input = Path("models.json");
-  WriteFile(input, ReadFile(kModels + "write_models_pmml.json"));
-  const Result standard = Tool({"write", input});
-  const Result consistent = Tool({"write", "--pmml-consistent", input});
-  EXPECT_EQ(consistent.status, 0);
-  EXPECT_NE(standard.out.find("numberOfFields=\"2\""), std::string::npos);
-  EXPECT_NE(consistent.out.find("numberOfFields=\"5\""), std::string::npos);
-  const Result batch = Tool({"batch", "--format", "pmml", "--pmml-consistent",
-                             "--quiet", "--out-dir", Path("out"), input});
-  EXPECT_EQ(batch.status, 0) << batch.err;
-  EXPECT_EQ(ReadFile(Path("out/models.xml")), consistent.out);
-}
-
 #if !TSXML_TOOL_HAVE_STATXML
-// StatXML only when the library has it.
-TEST_F(Cli, WhatThisBuildCantWriteExitsWith2AndSaysSo) {
-  const std::string file = kModels + "sales.json";
-  Result result = Tool({"write", "--format", "statxml", file});
-  EXPECT_EQ(result.status, 2);
-  EXPECT_EQ(result.err,
+  const Result statXML = Tool({"batch", "--format", "statxml", "--out-dir",
+                               Path("out"), kModels + "sales.json"});
+  EXPECT_EQ(statXML.status, 2);
+  EXPECT_EQ(statXML.err,
             "tsxml: --format statxml: not available in this build\n");
-  result =
-      Tool({"batch", "--format", "statxml", "--out-dir", Path("out"), file});
-  EXPECT_EQ(result.status, 2);
-  EXPECT_EQ(result.err,
-            "tsxml: --format statxml: not available in this build\n");
-}
 #endif
+}
 
-TEST_F(Cli, AnInputThatCantBeReadExitsWith1) {
+// ---------------------------------------------------------------------------
+// I/O failures: exit status 1.
+
+// Nothing is left where an output can't be written.
+TEST_F(Cli, InputsThatCantBeReadAndOutputsThatCantBeWrittenExitWith1) {
+  const std::string good = kModels + "calls.json";
   Result result = Tool({"write", Path("missing.json")});
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.err, "tsxml: cannot read " + Path("missing.json") +
@@ -252,56 +235,13 @@ TEST_F(Cli, AnInputThatCantBeReadExitsWith1) {
   result = Tool({"write", dir_});
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.err, "tsxml: cannot read " + dir_ + ": Is a directory\n");
-}
-
-TEST_F(Cli, AStandardOutputThatCantBeWrittenExitsWith1) {
-  for (const std::string& command :
-       {" write " + Quote(kModels + "calls.json"), std::string(" schema")}) {
-    const Result result = Shell("(" + Quote(kTool) + command + " >/dev/full)");
-    EXPECT_EQ(result.status, 1) << command;
+  for (const Arguments& arguments :
+       {Arguments{"write", good}, Arguments{"schema"}}) {
+    result = Shell("(" + Command(arguments) + " >/dev/full)");
+    EXPECT_EQ(result.status, 1) << arguments[0];
     EXPECT_EQ(result.err, "tsxml: cannot write standard output\n");
   }
-}
-
-// ---------------------------------------------------------------------------
-// -o FILE: the whole document or nothing.
-
-TEST_F(Cli, OutputFileHoldsTheDocument) {
-  const std::string file = kModels + "calls.json";
-  const Result result = Tool({"write", "-o", Path("calls.xml"), file});
-  EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.out, "");
-  EXPECT_EQ(ReadFile(Path("calls.xml")), Tool({"write", file}).out);
-  EXPECT_EQ(Files(), std::vector<std::string>{"calls.xml"});
-}
-
-TEST_F(Cli, BadInputLeavesTheOutputFileAsItWas) {
-  WriteFile(Path("old.xml"), "old document\n");
-  WriteFile(Path("bad.json"), R"({"models": [{"name": "m"}]})");
-  const Result result =
-      Tool({"write", "-o", Path("old.xml"), Path("bad.json")});
-  EXPECT_EQ(result.status, 2);
-  EXPECT_EQ(ReadFile(Path("old.xml")), "old document\n");
-  EXPECT_EQ(Files(), (std::vector<std::string>{"bad.json", "old.xml"}));
-  // And makes none where there was none.
-  EXPECT_EQ(Tool({"write", "-o", Path("new.xml"), Path("bad.json")}).status, 2);
-  EXPECT_EQ(Files(), (std::vector<std::string>{"bad.json", "old.xml"}));
-}
-
-TEST_F(Cli, AReplacedOutputFileKeepsItsPermissions) {
-  WriteFile(Path("out.xml"), "old\n");
-  ASSERT_EQ(::chmod(Path("out.xml").c_str(), 0640), 0);
-  ASSERT_EQ(
-      Tool({"write", "-o", Path("out.xml"), kModels + "calls.json"}).status, 0);
-  struct stat info;
-  ASSERT_EQ(::stat(Path("out.xml").c_str(), &info), 0);
-  EXPECT_EQ(info.st_mode & 0777, 0640u);
-  EXPECT_NE(ReadFile(Path("out.xml")), "old\n");
-}
-
-TEST_F(Cli, AnOutputFileThatCantBeWrittenExitsWith1AndLeavesNothing) {
-  Result result = Tool(
-      {"write", "-o", Path("no/such/dir/out.xml"), kModels + "calls.json"});
+  result = Tool({"write", "-o", Path("no/such/dir/out.xml"), good});
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.err.rfind("tsxml: cannot create a temporary file beside " +
                                  Path("no/such/dir/out.xml") + ": ",
@@ -310,12 +250,40 @@ TEST_F(Cli, AnOutputFileThatCantBeWrittenExitsWith1AndLeavesNothing) {
       << result.err;
   // A directory where the file should go: the rename fails.
   fs::create_directory(Path("taken.xml"));
-  result = Tool({"write", "-o", Path("taken.xml"), kModels + "calls.json"});
+  result = Tool({"write", "-o", Path("taken.xml"), good});
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.err.rfind("tsxml: cannot write " + Path("taken.xml"), 0), 0u)
       << result.err;
   EXPECT_EQ(Files(), std::vector<std::string>{"taken.xml"});
   EXPECT_TRUE(fs::is_empty(Path("taken.xml")));
+}
+
+// -o FILE: the whole document or nothing. A replaced file keeps its mode, a
+// new one has the mode of new files.
+TEST_F(Cli, OutputFileHoldsTheWholeDocumentOrIsLeftAsItWas) {
+  const std::string good = kModels + "calls.json", bad = Path("bad.json");
+  WriteFile(bad, R"({"models": [{"name": "m"}]})");
+  WriteFile(Path("out.xml"), "old\n");
+  ASSERT_EQ(::chmod(Path("out.xml").c_str(), 0640), 0);
+  for (const std::string& output : {Path("out.xml"), Path("new.xml")}) {
+    EXPECT_EQ(Tool({"write", "-o", output, bad}).status, 2);
+  }
+  EXPECT_EQ(ReadFile(Path("out.xml")), "old\n");
+  EXPECT_EQ(Files(), (std::vector<std::string>{"bad.json", "out.xml"}));
+
+  const std::string document = Tool({"write", good}).out;
+  for (const std::string& output : {Path("out.xml"), Path("new.xml")}) {
+    const Result result = Tool({"write", "-o", output, good});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out + result.err, "");
+    EXPECT_EQ(ReadFile(output), document);
+  }
+  const mode_t mask = ::umask(0);
+  ::umask(mask);
+  EXPECT_EQ(Mode(Path("out.xml")), 0640u);
+  EXPECT_EQ(Mode(Path("new.xml")), 0666u & ~mask);
+  EXPECT_EQ(Files(),
+            (std::vector<std::string>{"bad.json", "new.xml", "out.xml"}));
 }
 
 // ---------------------------------------------------------------------------
@@ -329,97 +297,85 @@ std::string Description(int i) {
          std::to_string(i) + "}}}]}";
 }
 
-TEST_F(Cli, BatchWritesOneDocumentPerInput) {
-  fs::create_directory(Path("in"));
-  std::vector<std::string> arguments = {"batch", "--format", "native",
-                                        "--out-dir", Path("out")};
-  for (int i = 0; i < 1000; ++i) {
-    const std::string input = Path("in/d" + std::to_string(i) + ".json");
-    WriteFile(input, Description(i));
-    arguments.push_back(input);
-  }
-  const Result result = Tool(arguments);
-  EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.out, "");
-  EXPECT_EQ(result.err, "");  // not a terminal: no progress
-  EXPECT_EQ(Files("out").size(), 1000u);
-  for (int i : {0, 517, 999}) {
-    const std::string name = "d" + std::to_string(i);
-    EXPECT_EQ(
-        ReadFile(Path("out/" + name + ".xml")),
-        Tool({"write", "--format", "native", Path("in/" + name + ".json")})
-            .out);
-  }
-}
-
-TEST_F(Cli, BatchGoesOnPastBadInputsAndNamesThemAtTheEnd) {
-  std::vector<std::string> arguments = {"batch",     "--format",  "native",
-                                        "--out-dir", Path("out"), "-q"};
+// One document per good input; the others are named at the end, with
+// status 2, or 1 when one of them is an I/O failure. Not on a terminal: no
+// progress.
+TEST_F(Cli, BatchWritesEachGoodInputAndNamesTheOthersAtTheEnd) {
+  Arguments arguments = {"batch", "--format", "native", "--out-dir",
+                         Path("out")};
   std::string summary;
-  int failed = 0;
-  for (int i = 0; i < 60; ++i) {
+  for (int i = 0; i < 1000; ++i) {
     const std::string input = Path("d" + std::to_string(i) + ".json");
     arguments.push_back(input);
-    if (i % 20 == 7) {
+    if (i % 100 == 7) {
       WriteFile(input, R"({"models": [{"name": "m", "arima": {}}]})");
       summary +=
           "  " + input + ": /models/0: missing field \"dependentVariable\"\n";
-      ++failed;
-    } else if (i % 20 == 13) {
+    } else if (i % 100 == 13) {
       WriteFile(input, "{\"models\": [\n}");
       summary += "  " + input +
                  ":2:1: /models: syntax error while parsing value - unexpected "
                  "'}'; expected '[', '{', or a literal\n";
-      ++failed;
     } else {
       WriteFile(input, Description(i));
     }
   }
-  const Result result = Tool(arguments);
+  Result result = Tool(arguments);
   EXPECT_EQ(result.status, 2);
-  EXPECT_EQ(result.err, "tsxml: " + std::to_string(failed) +
-                            " of 60 inputs failed:\n" + summary);
-  EXPECT_EQ(Files("out").size(), 60u - static_cast<unsigned>(failed));
+  EXPECT_EQ(result.out, "");
+  EXPECT_EQ(result.err, "tsxml: 20 of 1000 inputs failed:\n" + summary);
+  EXPECT_EQ(Files("out").size(), 980u);
   EXPECT_FALSE(fs::exists(Path("out/d7.xml")));
-  EXPECT_TRUE(fs::exists(Path("out/d8.xml")));
-}
+  for (int i : {0, 517, 999}) {
+    const std::string name = "d" + std::to_string(i);
+    EXPECT_EQ(ReadFile(Path("out/" + name + ".xml")),
+              Tool({"write", "--format", "native", Path(name + ".json")}).out);
+  }
 
-TEST_F(Cli, BatchExitsWith1WhenAnInputCantBeRead) {
-  WriteFile(Path("a.json"), Description(1));
   fs::create_directory(Path("sub"));
-  WriteFile(Path("sub/a.json"), Description(2));
-  const Result result =
-      Tool({"batch", "--format", "native", "--out-dir", Path("out"),
-            Path("a.json"), Path("missing.json"), Path("sub/a.json")});
+  WriteFile(Path("sub/d0.json"), Description(0));
+  result = Tool({"batch", "--format", "native", "--out-dir", Path("again"),
+                 Path("d0.json"), Path("d7.json"), Path("missing.json"),
+                 Path("sub/d0.json")});
   EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.err,
-            "tsxml: 2 of 3 inputs failed:\n  " + Path("missing.json") +
-                ": cannot read " + Path("missing.json") +
-                ": No such file or directory\n  " + Path("sub/a.json") +
-                ": writes the same file a.xml as " + Path("a.json") + "\n");
-  EXPECT_EQ(Files("out"), std::vector<std::string>{"a.xml"});
+  EXPECT_EQ(result.err, "tsxml: 3 of 4 inputs failed:\n" +
+                            summary.substr(0, summary.find('\n') + 1) + "  " +
+                            Path("missing.json") + ": cannot read " +
+                            Path("missing.json") +
+                            ": No such file or directory\n  " +
+                            Path("sub/d0.json") + ": writes the same file " +
+                            "d0.xml as " + Path("d0.json") + "\n");
+  EXPECT_EQ(Files("again"), std::vector<std::string>{"d0.xml"});
 }
 
-// On a terminal, progress: done, total, rate and time left; none with -q.
-TEST_F(Cli, BatchShowsProgressOnATerminal) {
+// The PMML options reach batch's documents; on a terminal, progress: done,
+// total, rate and time left; none with --quiet.
+TEST_F(Cli, BatchWritesWhatWriteWritesAndShowsProgressOnATerminal) {
+  const Arguments options = {"--pmml-consistent", "--no-time-series"};
+  const Arguments inputs = {kModels + "sales.json", kModels + "visitors.json",
+                            kModels + "write_models_pmml.json"};
+  Arguments arguments = {"batch", "--format", "pmml", "--out-dir", Path("out")};
+  arguments.insert(arguments.end(), options.begin(), options.end());
+  arguments.insert(arguments.end(), inputs.begin(), inputs.end());
+  const Result result = Tool(arguments);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.out + result.err, "");
+  for (const std::string& input : inputs) {
+    EXPECT_EQ(ReadFile(Path("out/" + fs::path(input).stem().string() + ".xml")),
+              Tool({"write", options[0], options[1], input}).out);
+  }
   if (std::system("command -v script >/dev/null 2>&1") != 0) {
     GTEST_SKIP() << "no script(1) to make a terminal";
   }
-  WriteFile(Path("a.json"), Description(1));
-  WriteFile(Path("b.json"), Description(2));
-  const std::string command = "batch --format native --out-dir " +
-                              Quote(Path("out")) + " " + Quote(Path("a.json")) +
-                              " " + Quote(Path("b.json"));
   const auto onTerminal = [&](const std::string& extra) {
-    return Shell("script -qec " +
-                 Quote(Quote(kTool) + " " + command + extra + " 2>&1") +
+    return Shell("script -qec " + Quote(Command(arguments) + extra + " 2>&1") +
                  " /dev/null")
         .out;
   };
   const std::string shown = onTerminal("");
-  EXPECT_NE(shown.find("2/2"), std::string::npos) << shown;
+  EXPECT_NE(shown.find("3/3"), std::string::npos) << shown;
   EXPECT_NE(shown.find("s left"), std::string::npos) << shown;
-  EXPECT_EQ(onTerminal(" --quiet").find("2/2"), std::string::npos);
+  EXPECT_EQ(onTerminal(" --quiet").find("3/3"), std::string::npos);
 }
 
 }  // namespace
