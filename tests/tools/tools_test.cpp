@@ -391,7 +391,7 @@ Generated GenerateArima(const Draw& draw) {
   }
   forecast->SetActualZ(state.Numbers("finalValues", state.Below(5)));
   forecast->SetPredZ(state.Numbers("predictedValues", state.Below(5)));
-  for (unsigned i = 0; i < predictors.size(); ++i) {  // some null
+  for (unsigned i = 0; i < predictors.size(); ++i) {  // null if no values
     Draw history = draw.Object();
     const auto x = history.Numbers("predictor", history.Below(4));
     const auto y = history.Numbers("transferFunction", history.Below(4));
