@@ -1,19 +1,21 @@
 #!/usr/bin/python3
 """Mutation testing for the tsxml library.
 
-  mutate.py list   --source DIR [--count N] [--out FILE]
+  mutate.py list   --source DIR [--mutate PATH ...] [--count N] [--out FILE]
   mutate.py run    --source DIR --suite NAME=TESTS_DIR [--suite ...] --out REPORT
-                   [--count N] [--only ID,ID] [--jobs 2] [--work DIR] [--resume]
+                   [--mutate PATH ...] [--count N] [--only ID,ID] [--jobs 2]
+                   [--work DIR] [--resume]
   mutate.py report REPORT
 
 `--list` is accepted for `list`. See README.md beside this file.
 """
-import argparse, hashlib, json, os, random, re, shutil, signal, subprocess, sys, time
+import argparse, glob, hashlib, json, os, random, re, shutil, signal, subprocess, sys, time
 
 SEED = 20240601
 MIN_PER_FILE = 3
 TEST_TIMEOUT = 60       # seconds per test, given to ctest
 BUILD_TIMEOUT = 1800    # seconds per build
+DEFAULT_MUTATE = ["tsxml"]
 
 # --------------------------------------------------------------------------
 # Reading C++: for each line, a mask that keeps code characters and replaces
@@ -190,19 +192,28 @@ OPERATORS = {"compare": op_compare, "logic": op_logic, "bool": op_bool,
              "negate-if": op_negate_if}
 
 
-def library_files(source):
-    root = os.path.join(source, "tsxml")
-    found = []
-    for d, dirs, files in os.walk(root):
-        dirs.sort()
-        found += [os.path.relpath(os.path.join(d, f), source)
-                  for f in sorted(files) if f.endswith((".cpp", ".h"))]
-    return sorted(found)
+def mutated_files(source, paths=None):
+    """The .cpp and .h files that `paths` name under `source`: a directory
+    gives every such file beneath it, anything else is a glob pattern
+    (`tools/tsxml/*.cpp`, `tsxml/**/*.h`). The library (tsxml/) by default."""
+    found = set()
+    for path in paths or DEFAULT_MUTATE:
+        full = os.path.join(source, path)
+        if os.path.isdir(full):
+            for d, dirs, files in os.walk(full):
+                found |= {os.path.join(d, f) for f in files}
+        else:
+            matched = glob.glob(full, recursive=True)
+            if not matched:
+                sys.exit("--mutate %s: no such directory or file" % path)
+            found |= set(matched)
+    return sorted(os.path.relpath(f, source) for f in found
+                  if f.endswith((".cpp", ".h")) and os.path.isfile(f))
 
 
-def all_mutants(source):
+def all_mutants(source, paths=None):
     mutants = []
-    for rel in library_files(source):
+    for rel in mutated_files(source, paths):
         with open(os.path.join(source, rel), encoding="utf-8") as f:
             text = f.read()
         seen = set()
@@ -260,8 +271,8 @@ def select(mutants, count, seed=SEED):
     return sorted(chosen, key=lambda mu: (mu["file"], mu["line"], mu["id"]))
 
 
-def pick(source, count, only):
-    mutants = all_mutants(source)
+def pick(source, count, only, paths=None):
+    mutants = all_mutants(source, paths)
     if only:
         ids = set(only.split(","))
         picked = [mu for mu in mutants if mu["id"] in ids]
@@ -324,9 +335,14 @@ class Suite:
         ok, out = self.compile()
         if not ok:
             sys.exit("[%s] the unmutated tree does not build:\n%s" % (self.name, out[-4000:]))
-        code, out = sh(["ctest", "--show-only=json-v1"], cwd=self.test_dir(), env=self.env)
-        self.commands = {t["name"]: t["command"][0]
-                         for t in json.loads(out)["tests"] if t.get("command")}
+        code, out = sh(["ctest", "--show-only=json-v1"], cwd=self.build, env=self.env)
+        self.commands, self.runs = {}, {}
+        for t in json.loads(out)["tests"]:
+            where = [p["value"] for p in t.get("properties", [])
+                     if p["name"] == "WORKING_DIRECTORY"]
+            if t.get("command") and where and self.in_tests(where[0]):
+                self.commands[t["name"]] = t["command"][0]
+                self.runs[t["name"]] = self.programs_run(t["command"])
         self.stamps = self.stamp()
         t0 = time.time()
         killed, failed, out = self.ctest(list(self.commands))
@@ -336,15 +352,56 @@ class Suite:
         progress("[%s] baseline: %d tests pass in %.1fs"
                  % (self.name, len(self.commands), time.time() - t0))
 
-    def test_dir(self):
-        # Only the suite's own tests: not what other folders (fuzz/) register.
-        return os.path.join(self.build, "tests")
+    def in_tests(self, path):
+        # Only the suite's own tests: those whose build directory is under
+        # tests/ (tests/tools is added from the top, not from tests/), not
+        # what other folders (fuzz/, python/) register.
+        tests = os.path.realpath(os.path.join(self.build, "tests"))
+        return (os.path.realpath(path) + os.sep).startswith(tests + os.sep)
+
+    def test_dirs(self):
+        # The build directories under tests/ that register tests.
+        found = []
+        for d, dirs, files in os.walk(os.path.join(self.build, "tests")):
+            dirs[:] = sorted(n for n in dirs if n != "CMakeFiles")
+            if "CTestTestfile.cmake" in files:
+                found.append(os.path.relpath(d, self.build))
+        return found or ["tests"]
 
     def compile(self):
-        target = ["--target", "tests/all"] if self.ninja else []
+        target = []
+        if self.ninja:
+            for d in self.test_dirs():
+                target += ["--target", d + "/all"]
         code, out = sh(["cmake", "--build", self.build, "-j", str(self.jobs)] + target,
                        env=self.env, timeout=BUILD_TIMEOUT)
         return code == 0, out
+
+    def programs(self):
+        """The programs built in the build tree (executable ELF files)."""
+        found = []
+        for d, dirs, files in os.walk(self.build):
+            dirs[:] = [n for n in dirs if n != "CMakeFiles"]
+            for f in files:
+                path = os.path.join(d, f)
+                if os.access(path, os.X_OK) and os.path.isfile(path):
+                    with open(path, "rb") as g:
+                        if g.read(4) == b"\x7fELF":
+                            found.append(os.path.realpath(path))
+        return found
+
+    def programs_run(self, command):
+        """The built programs that a test runs: its own, those named in its
+        arguments, and those whose path its program holds (a test of a
+        command-line tool runs the tool, whose path is compiled in)."""
+        built = self.programs()
+        runs = {os.path.realpath(a) for a in command} & set(built)
+        own = os.path.realpath(command[0])
+        if own in built:
+            with open(own, "rb") as f:
+                data = f.read()
+            runs |= {p for p in built if os.fsencode(p) in data}
+        return runs
 
     def stamp(self):
         def mtime(path):
@@ -352,13 +409,13 @@ class Suite:
                 return os.stat(path).st_mtime_ns
             except OSError:
                 return None
-        return {name: mtime(cmd) for name, cmd in self.commands.items()}
+        return {p: mtime(p) for runs in self.runs.values() for p in runs}
 
     def ctest(self, names):
         regex = "^(%s)$" % "|".join(re.escape(n) for n in names)
         cmd = ["ctest", "--stop-on-failure", "--timeout", str(TEST_TIMEOUT),
                "-j", str(self.jobs), "--no-tests=error", "-R", regex]
-        code, out = sh(cmd, cwd=self.test_dir(), env=self.env,
+        code, out = sh(cmd, cwd=self.build, env=self.env,
                        timeout=TEST_TIMEOUT * len(names) + 120)
         failed = re.findall(r"^\s*\d+ - (\S+) \(", out, re.M)
         return code != 0, failed, out
@@ -390,8 +447,9 @@ class Suite:
         if not ok:
             errors = [l for l in out.splitlines() if "error" in l]
             return "build-failed", [], (errors or out.splitlines()[-1:] or [""])[0][:300]
+        changed = {p for p, t in self.stamps.items() if t is None or t != before[p]}
         names = [n for n, cmd in self.commands.items()
-                 if self.stamps[n] is None or self.stamps[n] != before[n]
+                 if self.runs[n] & changed
                  or not os.path.realpath(cmd).startswith(os.path.realpath(self.build))]
         if not names:
             return "survived", [], "no test program depends on the file"
@@ -425,8 +483,9 @@ def run(args):
         suites.append((name, os.path.abspath(tests)))
     if len({n for n, _ in suites}) != len(suites):
         sys.exit("--suite names must differ")
-    mutants = pick(source, args.count, args.only)
-    report = {"source": source, "suites": [{"name": n, "tests": t} for n, t in suites],
+    mutants = pick(source, args.count, args.only, args.mutate)
+    report = {"source": source, "mutate": args.mutate or DEFAULT_MUTATE,
+              "suites": [{"name": n, "tests": t} for n, t in suites],
               "selected": len(mutants), "results": []}
     if args.resume and os.path.exists(args.out):
         with open(args.out) as f:
@@ -535,9 +594,13 @@ def main(argv):
     ls = sub.add_parser("list", help="write the mutants as JSON")
     ru = sub.add_parser("run", help="run mutants against test suites")
     for p in (ls, ru):
-        p.add_argument("--source", required=True, help="checkout whose tsxml/ is mutated")
+        p.add_argument("--source", required=True, help="checkout whose files are mutated")
         p.add_argument("--count", type=int, default=260)
         p.add_argument("--only", help="comma-separated mutant ids (any, not only the selected)")
+        p.add_argument("--mutate", action="append", metavar="PATH",
+                       help="a directory or glob pattern under --source whose .cpp and .h "
+                            "files are mutated, e.g. tools/tsxml or 'tools/tsxml/*.cpp' "
+                            "(repeatable; default: tsxml)")
     ls.add_argument("--all", action="store_true", help="every mutant, no selection")
     ls.add_argument("--out", help="file to write (default: standard output)")
     ru.add_argument("--suite", action="append", required=True, metavar="NAME=TESTS_DIR")
@@ -553,7 +616,8 @@ def main(argv):
     rp.add_argument("report")
     args = ap.parse_args(argv)
     if args.command == "list":
-        mutants = all_mutants(args.source) if args.all else pick(args.source, args.count, args.only)
+        mutants = (all_mutants(args.source, args.mutate) if args.all
+                   else pick(args.source, args.count, args.only, args.mutate))
         text = json.dumps(mutants, indent=1) + "\n"
         if args.out:
             with open(args.out, "w") as f:
