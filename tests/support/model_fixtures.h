@@ -23,24 +23,6 @@ inline std::string Lines(std::initializer_list<std::string> lines) {
   return text;
 }
 
-// Expected text, a line of Lines(): element `name` at `tabs` tabs with one
-// attribute a line and an "EstimatedParameter" for each estimate, or
-// self-closing without estimates.
-inline std::string EstimateElement(size_t tabs, const std::string& name,
-                                   const std::vector<std::string>& attributes,
-                                   const std::vector<std::string>& estimates) {
-  const std::string indent(tabs, '\t');
-  std::string text = indent + "<" + name;
-  for (const std::string& a : attributes) text += "\n" + indent + "\t" + a;
-  if (estimates.empty()) return text + "/>";
-  text += ">";
-  for (const std::string& e : estimates) {
-    text +=
-        "\n" + indent + "\t<EstimatedParameter>" + e + "</EstimatedParameter>";
-  }
-  return text + "\n" + indent + "</" + name + ">";
-}
-
 // A new, empty element that the caller owns.
 inline std::unique_ptr<OstraTimeXML::XMLElement> Element(
     const char* name = "p") {

@@ -3,8 +3,8 @@
 // attribute value or a text node passed through an escaping switch one at a
 // time and blank pairs replaced by a left-to-right search. Used to check the
 // library's writer, which is built for speed, against the rules.
-#ifndef TSXML_TESTS_XML_REFERENCE_WRITER_H
-#define TSXML_TESTS_XML_REFERENCE_WRITER_H
+#ifndef TSXML_FUZZ_XML_REFERENCE_WRITER_H
+#define TSXML_FUZZ_XML_REFERENCE_WRITER_H
 
 #include <string>
 #include <utility>
@@ -152,4 +152,4 @@ class PieceWriter {
 
 }  // namespace reference_writer
 
-#endif  // TSXML_TESTS_XML_REFERENCE_WRITER_H
+#endif  // TSXML_FUZZ_XML_REFERENCE_WRITER_H
