@@ -96,27 +96,15 @@ std::string Describe(const Tuple& t) {
 class Transcript {
  public:
   std::string Run(const std::string& text) {
-    std::istringstream lines(text);
-    std::string out, line;
-    while (std::getline(lines, line)) {
-      const size_t arrow = line.find(" => ");
-      out += out.empty() ? "" : "\n";
-      if (arrow == std::string::npos || line.rfind('#', 0) == 0) {
-        out += line;
-        continue;
-      }
-      SCOPED_TRACE(line);
-      std::istringstream words(line.substr(0, arrow));
+    return testing_support::RunTranscript(text, [this](const std::string& c) {
+      std::istringstream words(c);
       w_.assign(std::istream_iterator<std::string>(words), {});
-      std::string result;
       try {
-        result = Do();
+        return Do();
       } catch (const std::exception& e) {
-        result = e.what();
+        return std::string(e.what());
       }
-      out += line.substr(0, arrow) + " => " + result;
-    }
-    return out;
+    });
   }
 
  private:

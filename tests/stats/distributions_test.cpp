@@ -61,25 +61,15 @@ std::string Call(const std::string& command) {
 
 TEST(DistributionsTest, ValuesAndStatusCodes) {
   const std::string text = testing_support::ReadTestData("stats/values.txt");
-  std::istringstream lines(text);
-  std::string out, line;
-  while (std::getline(lines, line)) {
-    const size_t arrow = line.find(" => ");
-    out += out.empty() ? "" : "\n";
-    if (arrow == std::string::npos || line.rfind('#', 0) == 0) {
-      out += line;
-      continue;
-    }
-    const std::string command = line.substr(0, arrow);
-    const size_t equals = command.find(" == ");
-    std::string result = Call(command.substr(0, equals));
-    if (equals != std::string::npos) {
-      const std::string other = Call(command.substr(equals + 4));
-      const bool same = result.substr(0, result.find(',')) == other;
-      result = same ? "equal" : result + " vs " + other;
-    }
-    out += command + " => " + result;
-  }
+  const std::string out =
+      testing_support::RunTranscript(text, [](const std::string& command) {
+        const size_t equals = command.find(" == ");
+        const std::string result = Call(command.substr(0, equals));
+        if (equals == std::string::npos) return result;
+        const std::string other = Call(command.substr(equals + 4));
+        const bool same = result.substr(0, result.find(',')) == other;
+        return same ? std::string("equal") : result + " vs " + other;
+      });
   EXPECT_EQ(out, text);
 }
 

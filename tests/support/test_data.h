@@ -1,4 +1,4 @@
-// Expected documents kept as files under tests/data/.
+// Expected documents and transcripts kept as files under tests/data/.
 #ifndef TSXML_TESTS_SUPPORT_TEST_DATA_H
 #define TSXML_TESTS_SUPPORT_TEST_DATA_H
 
@@ -24,6 +24,27 @@ inline std::string ReadTestData(const std::string& name) {
   std::string text = bytes.str();
   if (!text.empty() && text.back() == '\n') text.pop_back();
   return text;
+}
+
+// `text` run again: each line "command => result" gets the result that
+// `run` gives for its command; other lines and those that begin with "#" stay
+// as they are. A test compares the result with `text`.
+template <typename Run>
+std::string RunTranscript(const std::string& text, Run run) {
+  std::istringstream lines(text);
+  std::string out, line;
+  while (std::getline(lines, line)) {
+    const size_t arrow = line.find(" => ");
+    out += out.empty() ? "" : "\n";
+    if (arrow == std::string::npos || line.rfind('#', 0) == 0) {
+      out += line;
+      continue;
+    }
+    SCOPED_TRACE(line);
+    const std::string command = line.substr(0, arrow);
+    out += command + " => " + run(command);
+  }
+  return out;
 }
 
 }  // namespace testing_support
