@@ -57,61 +57,50 @@ std::string BuildAndWrite() {
   return os.str() + Text(*root);
 }
 
-TEST(AllocationFailure, EveryFailurePointLeaksNothing) {
-  const std::string expected = BuildAndWrite();
-  bool done = false;
-  long n = 0;
-  for (; !done; ++n) {
+// Runs `build` with the n-th allocation failing, for n = 0, 1, ... until it
+// goes through: a failure leaves no block behind, and the run that goes
+// through gives what a run without failures gives. Returns the failed runs.
+template <typename Build>
+long FailEachAllocationOf(Build build) {
+  const std::string expected = build();
+  return testing_support::ForEachFailingAllocation([&](long n) {
     const long live = gLiveAllocations;
-    Arm(n);
+    std::string text;
     try {
-      const std::string text = BuildAndWrite();
-      Disarm();
-      EXPECT_EQ(text, expected);
-      done = true;
+      testing_support::FailingAllocations failing(n);
+      text = build();
     } catch (const std::bad_alloc&) {
-      Disarm();
+      EXPECT_EQ(gLiveAllocations, live) << "failure at allocation " << n;
+      return ::testing::Test::HasFailure();
     }
-    ASSERT_EQ(gLiveAllocations, live) << "failure at allocation " << n;
-  }
-  // The run went through many failure points: the pool's page, the
-  // document type, the streams and strings of the writers.
-  EXPECT_GT(n, 10);
+    EXPECT_EQ(text, expected);
+    return true;
+  });
+}
+
+// The run goes through many failure points: the pool's page, the document
+// type, the streams and strings of the writers.
+TEST(AllocationFailure, EveryFailurePointLeaksNothing) {
+  EXPECT_GT(FailEachAllocationOf(BuildAndWrite), 10);
 }
 
 // A tree that spans several pool pages and a children list allocated on its
-// own: a failure at any page or list allocation leaves nothing behind, and
-// the build that goes through writes what one without failures writes.
+// own: a failure at any page or list allocation leaves nothing behind.
 TEST(AllocationFailure, FailureAtEveryPageOfALargeTree) {
-  auto build = [] {
-    std::unique_ptr<XMLElement> root(XMLElement::Create("series"));
-    for (int i = 0; i < 3000; ++i) {
-      std::unique_ptr<XMLElement> child(XMLElement::Create("v"));
-      child->AddAttribute("index", static_cast<double>(i));
-      child->AddAttribute("text", std::string(static_cast<size_t>(i % 50),
-                                              i % 2 == 0 ? 'a' : '&'));
-      child->AddElement(XMLString::Create(std::string(1, '<')));
-      root->AddElement(child.release());
-    }
-    return Text(*root);
-  };
-  const std::string expected = build();
-  long failures = 0;
-  for (long n = 0;; ++n) {
-    const long live = gLiveAllocations;
-    Arm(n);
-    try {
-      const std::string text = build();
-      Disarm();
-      EXPECT_EQ(text, expected);
-      break;
-    } catch (const std::bad_alloc&) {
-      Disarm();
-      ++failures;
-    }
-    ASSERT_EQ(gLiveAllocations, live) << "failure at allocation " << n;
-  }
-  EXPECT_GT(failures, 5);
+  EXPECT_GT(FailEachAllocationOf([] {
+              std::unique_ptr<XMLElement> root(XMLElement::Create("series"));
+              for (int i = 0; i < 3000; ++i) {
+                std::unique_ptr<XMLElement> child(XMLElement::Create("v"));
+                child->AddAttribute("index", static_cast<double>(i));
+                child->AddAttribute("text",
+                                    std::string(static_cast<size_t>(i % 50),
+                                                i % 2 == 0 ? 'a' : '&'));
+                child->AddElement(XMLString::Create(std::string(1, '<')));
+                root->AddElement(child.release());
+              }
+              return Text(*root);
+            }),
+            5);
 }
 
 TEST(AllocationFailure, AssignmentKeepsTheOldValueOnFailure) {
