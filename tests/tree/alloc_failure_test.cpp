@@ -78,26 +78,24 @@ void CheckEveryFailure(
   const int countAfter = after.GetModelCount();
   const std::string documentAfter = WriteAll(after);
 
-  long n = 0;
-  for (;; ++n) {  // the n-th allocation (0-based) fails
+  const long failures = testing_support::ForEachFailingAllocation([&](long n) {
     TSXMLTree tree = make();
     std::ostringstream out(std::string(1 << 20, ' '));
     try {
-      testing_support::gAllocationsUntilFailure = n;
+      testing_support::FailingAllocations failing(n);
       change(tree, out);
-      testing_support::gAllocationsUntilFailure = -1;
-    } catch (const std::bad_alloc&) {  // which disarmed the allocator
+    } catch (const std::bad_alloc&) {
       EXPECT_EQ(tree.GetModelCount(), count);
       EXPECT_EQ(WriteAll(tree), document);
-      continue;
+      return false;
     }
     EXPECT_EQ(out.str().substr(0, static_cast<size_t>(out.tellp())),
               written.str());
     EXPECT_EQ(tree.GetModelCount(), countAfter);
     EXPECT_EQ(WriteAll(tree), documentAfter);
-    break;
-  }
-  EXPECT_GT(n, 3);
+    return true;
+  });
+  EXPECT_GT(failures, 3);
 }
 
 template <typename Model>
@@ -108,35 +106,26 @@ std::function<void(TSXMLTree&, std::ostream&)> Add(
   };
 }
 
+// Natively, and in PMML mode in both forms with the models on another
+// variable, so that DataDictionary changes: a smoothing model and ARIMA
+// models of each state; natively a Croston model too.
 TEST(AllocationFailureTest, AddModelTreeLeavesTheTreeUnchanged) {
-  const auto oneModel = [] { return MakeTree(1); };
-  CheckEveryFailure(oneModel,
-                    Add(MakeSeasonalModel(), TSXDictionaryRefs("M", "", "y")));
-  const TSXDictionaryRefs refs("A", "d", "y", {"x"});
-  CheckEveryFailure(oneModel,
-                    Add(MakeFullARIMAModel<ARMACLSForecastState>(), refs));
-  CheckEveryFailure(oneModel,
-                    Add(MakeFullARIMAModel<ARMAMLForecastState>(), refs));
-  CheckEveryFailure(oneModel,
-                    Add(MakeFullARIMAModel<ARMAMLSpForecastState>(), refs));
-  CheckEveryFailure(oneModel, Add(MakeCrostonModel(BFSharedConst::Logarithm),
-                                  TSXDictionaryRefs("C", "", "demand")));
-  // PMML mode in both forms: a smoothing model, and ARIMA models of each
-  // state on another variable, whose DataDictionary differs.
-  for (const bool consistent : {false, true}) {
-    const auto pmmlTree = [consistent] {
-      return MakeTree(1, true, consistent);
-    };
-    CheckEveryFailure(pmmlTree, Add(MakeSeasonalModel({5, 6, 7}),
-                                    TSXDictionaryRefs("M", "", "z")));
-    const TSXDictionaryRefs arimaRefs("A", "", "sales", {"x"});
+  for (const int form : {0, 1, 2}) {  // native, PMML, consistent PMML
+    const auto make = [form] { return MakeTree(1, form > 0, form == 2); };
+    const std::string y = form > 0 ? "z" : "y";
     CheckEveryFailure(
-        pmmlTree, Add(MakeFullARIMAModel<ARMACLSForecastState>(), arimaRefs));
-    CheckEveryFailure(
-        pmmlTree, Add(MakeFullARIMAModel<ARMAMLForecastState>(), arimaRefs));
-    CheckEveryFailure(
-        pmmlTree, Add(MakeFullARIMAModel<ARMAMLSpForecastState>(), arimaRefs));
+        make, Add(MakeSeasonalModel({5, 6, 7}), TSXDictionaryRefs("M", "", y)));
+    const TSXDictionaryRefs refs("A", "d", y, {"x"});
+    CheckEveryFailure(make,
+                      Add(MakeFullARIMAModel<ARMACLSForecastState>(), refs));
+    CheckEveryFailure(make,
+                      Add(MakeFullARIMAModel<ARMAMLForecastState>(), refs));
+    CheckEveryFailure(make,
+                      Add(MakeFullARIMAModel<ARMAMLSpForecastState>(), refs));
   }
+  CheckEveryFailure([] { return MakeTree(1); },
+                    Add(MakeCrostonModel(BFSharedConst::Logarithm),
+                        TSXDictionaryRefs("C", "", "demand")));
 }
 
 // A failed write keeps the models for a later one (a native tree of every
