@@ -17,12 +17,6 @@ namespace {
 using testing_support::gFailAlways;
 using testing_support::gLiveAllocations;
 
-void Arm(long allowed) { testing_support::gAllocationsUntilFailure = allowed; }
-void Disarm() {
-  testing_support::gAllocationsUntilFailure = -1;
-  gFailAlways = false;
-}
-
 struct CountedElement : XMLElement {
   explicit CountedElement(int* deletions)
       : XMLElement("counted"), deletions_(deletions) {}
@@ -108,9 +102,10 @@ TEST(AllocationFailure, AssignmentKeepsTheOldValueOnFailure) {
   std::unique_ptr<XMLAttribute> b(
       XMLAttribute::Create(std::string(100, 'n'), std::string(100, 'v')));
   for (long n = 0; n < 2; ++n) {
-    Arm(n);
-    EXPECT_THROW(*a = *b, std::bad_alloc);
-    Disarm();
+    {
+      testing_support::FailingAllocations failing(n);
+      EXPECT_THROW(*a = *b, std::bad_alloc);
+    }
     EXPECT_EQ(Text(*a), "a=\"1\"");
   }
 }
@@ -129,7 +124,7 @@ TEST(AllocationFailure, DeepDeletionWithoutMemoryStillDeletesAll) {
     }
     gFailAlways = true;  // the deleter's own stack cannot grow
   }
-  Disarm();
+  gFailAlways = false;
   EXPECT_EQ(deletions, 200);
   EXPECT_EQ(gLiveAllocations, live);
 }
