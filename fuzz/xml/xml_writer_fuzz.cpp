@@ -15,9 +15,9 @@
 #include <string>
 #include <vector>
 
+#include "reference_writer.h"
 #include "tsxml/xml/internal/number_format.h"
 #include "tsxml/xml/xml_node.h"
-#include "reference_writer.h"
 
 namespace {
 
