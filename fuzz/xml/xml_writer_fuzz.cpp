@@ -3,7 +3,7 @@
 // nesting, any start layout) and checks that ToString, ToStream raw and as
 // UTF-8 (in the "C" locale: a piece with a byte above 127 vanishes),
 // WriteTree and WriteTreeUTF8 give the bytes of the plain reference writer in
-// reference_writer.h.
+// tests/xml/reference_writer.h.
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -15,9 +15,9 @@
 #include <string>
 #include <vector>
 
-#include "reference_writer.h"
 #include "tsxml/xml/internal/number_format.h"
 #include "tsxml/xml/xml_node.h"
+#include "xml/reference_writer.h"
 
 namespace {
 

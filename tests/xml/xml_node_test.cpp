@@ -1,7 +1,7 @@
 // The XML node model: a worked document by every route, a deep chain, and
-// many generated trees, host subclasses among them, against text built step by
-// step from the layout and escaping rules (replace-all loops, no tables) while
-// the tree is built.
+// many generated trees, host subclasses among them, against the plain
+// reference writer of reference_writer.h, told each step while the tree is
+// built.
 #include "tsxml/xml/xml_node.h"
 
 #include <gtest/gtest.h>
@@ -16,10 +16,13 @@
 #include <vector>
 
 #include "support/test_data.h"
+#include "xml/reference_writer.h"
 
 namespace OstraTimeXML {
 namespace {
 
+using reference_writer::Layout;
+using reference_writer::PieceWriter;
 using testing_support::ReadTestData;
 
 const char kDeclaration[] = "<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\n";
@@ -140,33 +143,6 @@ TEST(DeepTree, LongChain) {
   }
 }
 
-// Replaces every `from` in `text`, scanning on behind each inserted `to`.
-std::string ReplaceAll(std::string text, const std::string& from,
-                       const std::string& to) {
-  for (std::size_t at = text.find(from); at != std::string::npos;
-       at = text.find(from, at + to.size())) {
-    text.replace(at, from.size(), to);
-  }
-  return text;
-}
-
-std::string EscapeAttribute(std::string text) {
-  const std::pair<const char*, const char*> steps[] = {
-      {"&", "&amp;"}, {"<", "&lt;"},   {">", "&gt;"},   {"\"", "&quot;"},
-      {"\t", "&#9;"}, {"\n", "&#10;"}, {"\r", "&#13;"}, {"  ", " &#32;"}};
-  for (const auto& [from, to] : steps) text = ReplaceAll(text, from, to);
-  if (!text.empty() && text.front() == ' ') text.replace(0, 1, "&#32;");
-  if (!text.empty() && text.back() == ' ') {
-    text.replace(text.size() - 1, 1, "&#32;");
-  }
-  return text;
-}
-
-struct Layout {
-  bool new_paragraph = true, indentation = true, format = true;
-  int level = 0;
-};
-
 class TreeGenerator {
  public:
   explicit TreeGenerator(unsigned seed) : rng_(seed) {}
@@ -179,47 +155,34 @@ class TreeGenerator {
   // The host elements made, and those deleted, in order.
   std::vector<std::string> created, deleted;
 
-  // Builds an element and appends its text, as written from the layout `f`,
-  // to `pieces`, cut where ToStream converts; leaves `f` as the writer must.
-  XMLElement* Element(Layout& f, std::vector<std::string>& pieces, int depth) {
+  // Builds an element and tells `reference` what it adds.
+  XMLElement* Element(PieceWriter& reference, int depth) {
     const std::string name = Name();
     const bool host = Chance(10);
     std::unique_ptr<XMLElement> element(host ? new HostElement(name, &deleted)
                                              : XMLElement::Create(name));
-    if (host) created.push_back(name);
-    if (host) pieces.push_back("[mark]");
-    const std::string tabs(f.level < 1 ? 0 : static_cast<size_t>(f.level),
-                           '\t');
-    const std::string inner_tabs(
-        f.level < 0 ? 0 : static_cast<size_t>(f.level) + 1, '\t');
-    // A line feed (or `otherwise`) and `t`, as far as the flags ask for them.
-    auto lead = [&f](const char* otherwise, const std::string& t) {
-      return std::string(f.format && f.new_paragraph ? "\n" : otherwise) +
-             (f.format && f.indentation ? t : "");
-    };
-    pieces.push_back(lead("", tabs) + "<" + name);
+    if (host) {
+      created.push_back(name);
+      reference.Raw("[mark]");
+    }
+    reference.Open(name);
     for (int i = Below(4); i > 0; --i) {
       const std::string key = Name(), value = Value();
       element->AddAttribute(key, value);
-      pieces.push_back(lead(" ", inner_tabs));
-      pieces.push_back(key + "=\"" + EscapeAttribute(value) + "\"");
+      reference.Attribute(key, value);
     }
     const int children = depth > 5 ? 0 : Below(5);
-    pieces.push_back(children == 0 ? "/>" : ">");
-    ++f.level;
+    reference.EndStart(children > 0);
     for (int i = 0; i < children; ++i) {
       if (!Chance(3)) {
-        element->AddElement(Element(f, pieces, depth + 1));
+        element->AddElement(Element(reference, depth + 1));
         continue;
       }
       const std::string text = Value();
       element->AddElement(XMLString::Create(text));
-      pieces.push_back(ReplaceAll(ReplaceAll(text, "&", "&amp;"), "<", "&lt;"));
-      f.new_paragraph = f.indentation = false;
+      reference.Text(text);
     }
-    --f.level;
-    if (children > 0) pieces.push_back(lead("", tabs) + "</" + name + ">");
-    f.new_paragraph = f.indentation = true;
+    if (children > 0) reference.Close(name);
     return element.release();
   }
 
@@ -285,41 +248,36 @@ TEST(GeneratedTrees, EveryRouteMatchesTheRules) {
       SCOPED_TRACE(std::string(locale.name) + " tree " + std::to_string(n));
       const Layout start{generator.Chance(2), generator.Chance(2),
                          !generator.Chance(4), generator.Below(6) - 2};
-      Layout end = start;
-      std::vector<std::string> pieces;
-      std::unique_ptr<XMLElement> tree(generator.Element(end, pieces, 0));
-      auto expect_layout = [&end](const ExportFormat& format) {
-        EXPECT_EQ(format.IsNewParagraph(), end.format && end.new_paragraph);
+      PieceWriter reference(start);
+      std::unique_ptr<XMLElement> tree(generator.Element(reference, 0));
+      auto expect_layout = [&reference](const ExportFormat& format) {
+        const Layout& end = reference.End();
+        EXPECT_EQ(format.IsNewParagraph(), end.format && end.newParagraph);
         EXPECT_EQ(format.HasIndentation(), end.format && end.indentation);
         EXPECT_EQ(format.GetFormat(), end.format);
         EXPECT_EQ(format.GetLevel(), end.level);
       };
       auto start_format = [&start] {
         ExportFormat format;
-        format.SetIsNewParagraph(start.new_paragraph);
+        format.SetIsNewParagraph(start.newParagraph);
         format.SetIndentation(start.indentation);
         format.SetFormat(start.format);
         format.SetLevel(start.level);
         return format;
       };
-      auto join = [&pieces](Keep keep) {
-        std::string text;
-        for (const std::string& piece : pieces)
-          text += keep(piece) ? piece : "";
-        return text;
-      };
       const std::string prefix = n % 2 == 0 ? "" : "<prefix>";
       ExportFormat format = start_format();
       std::string text = prefix;
       EXPECT_EQ(tree->ToString(text, format), 0);
-      EXPECT_EQ(text, prefix + join(any));
+      EXPECT_EQ(text, prefix + reference.Join(any));
       expect_layout(format);
       for (const bool as_utf8 : {false, true}) {
         format = start_format();
         std::ostringstream os, tree_only, whole;
         os << prefix;
         EXPECT_EQ(tree->ToStream(os, format, as_utf8), 0);
-        EXPECT_EQ(os.str(), prefix + join(as_utf8 ? locale.converts : any));
+        EXPECT_EQ(os.str(),
+                  prefix + reference.Join(as_utf8 ? locale.converts : any));
         expect_layout(format);
         // A whole document: the declaration, then the tree as from the
         // default layout with the start's format switch.
