@@ -5,6 +5,7 @@
 
 #include "tsxml/base/vendor.h"
 #include "tsxml/modelapi/forecast_state.h"
+#include "tsxml/modelapi/outlier_spec.h"
 #include "tsxml/pmml/parameter_table.h"
 #include "tsxml/pmml/pmml_elements.h"
 #include "tsxml/xml/internal/document_output.h"
@@ -46,29 +47,16 @@ void AddCorrelations(XMLElement& parent, const std::string& name,
 // The values of an "OutlierPointStats" row: twelve for a transient, eight
 // for any other type.
 std::vector<double> OutlierPointStats(const TSXOutlierRow& row) {
-  const double type = static_cast<double>(row.type);
-  if (row.type == 3) {
-    return {row.startTime,
-            type,
-            row.magnitude,
-            row.magnitudeStdError,
-            row.magnitudeTTest,
-            row.magnitudeSig,
-            row.dampingCoefficient,
-            row.dampingStdError,
-            row.dampingTTest,
-            row.dampingSig,
-            1.0,
-            row.startTime};
+  std::vector<double> values = {
+      row.startTime,      static_cast<double>(row.type),
+      row.magnitude,      row.magnitudeStdError,
+      row.magnitudeTTest, row.magnitudeSig};
+  if (row.type == TSOutlierSpec::Transient) {
+    values.insert(values.end(), {row.dampingCoefficient, row.dampingStdError,
+                                 row.dampingTTest, row.dampingSig});
   }
-  return {row.startTime,
-          type,
-          row.magnitude,
-          row.magnitudeStdError,
-          row.magnitudeTTest,
-          row.magnitudeSig,
-          1.0,
-          row.startTime};
+  values.insert(values.end(), {1.0, row.startTime});
+  return values;
 }
 
 // The root "StatXML" with its namespace attributes. Caller owns the result.
