@@ -2,15 +2,19 @@
 """Reference values for autocorrelation_test.cpp, computed with statsmodels.
 
 Run with Debian's python3 (python3-statsmodels, 0.13):
-    /usr/bin/python3 tests/modelapi/autocorrelation_reference.py
-and paste what it prints into the test. The series are those of the test;
-None stands for a missing value, which is dropped before anything else.
+    /usr/bin/python3 tests/modelapi/autocorrelation_reference.py \
+        > tests/data/modelapi/autocorrelation_reference.txt
+For each series it prints the series itself, a missing value (None here)
+as the library's missing value, -DBL_MAX; statsmodels gets the series
+without them.
 
 ACF: acf(adjusted=False, fft=False) with Bartlett's intervals at alpha 0.05;
 PACF: pacf(method="ldb") (Durbin-Levinson on the biased autocovariances)
 with its intervals at alpha 0.05. Lag 0 is left out, and each standard error
 is the interval's half-width divided by the normal quantile at 0.975.
 """
+import sys
+
 import numpy as np
 from scipy import stats
 from statsmodels.tsa.stattools import acf, pacf
@@ -42,6 +46,8 @@ def main():
                        bartlett_confint=True)
         p, p_int = pacf(x, nlags=lags, method="ldb", alpha=0.05)
         print(f"// {name}: n = {len(x)}, {lags} lags")
+        values("series", [-sys.float_info.max if v is None else v
+                          for v in series])
         values("acf", r[1:])
         values("acf standard errors", (r_int[1:, 1] - r[1:]) / z)
         values("pacf", p[1:])
