@@ -107,28 +107,26 @@ XMLAttribute* LoadObject(const char* at) {
 
 constexpr std::uintptr_t kTextTag = 1;
 
+// Copies `size` bytes, sizeof(Word) to twice that many, as two words that
+// may overlap.
+template <typename Word>
+inline char* CopyHeadAndTail(char* to, const char* from, std::size_t size) {
+  Word head, tail;
+  std::memcpy(&head, from, sizeof(Word));
+  std::memcpy(&tail, from + size - sizeof(Word), sizeof(Word));
+  std::memcpy(to, &head, sizeof(Word));
+  std::memcpy(to + size - sizeof(Word), &tail, sizeof(Word));
+  return to + size;
+}
+
 // Copies up to a few dozen bytes without a call.
 inline char* CopyShort(char* to, const char* from, std::size_t size) {
-  if (size >= 8) {
-    if (size > 16) {
-      std::memcpy(to, from, size);
-      return to + size;
-    }
-    std::uint64_t head, tail;
-    std::memcpy(&head, from, 8);
-    std::memcpy(&tail, from + size - 8, 8);
-    std::memcpy(to, &head, 8);
-    std::memcpy(to + size - 8, &tail, 8);
+  if (size > 16) {
+    std::memcpy(to, from, size);
     return to + size;
   }
-  if (size >= 4) {
-    std::uint32_t head, tail;
-    std::memcpy(&head, from, 4);
-    std::memcpy(&tail, from + size - 4, 4);
-    std::memcpy(to, &head, 4);
-    std::memcpy(to + size - 4, &tail, 4);
-    return to + size;
-  }
+  if (size >= 8) return CopyHeadAndTail<std::uint64_t>(to, from, size);
+  if (size >= 4) return CopyHeadAndTail<std::uint32_t>(to, from, size);
   for (std::size_t i = 0; i < size; ++i) to[i] = from[i];
   return to + size;
 }
